@@ -1,0 +1,90 @@
+#include "handset/line_reader.h"
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <utility>
+
+namespace handset {
+namespace {
+
+std::string_view textOf(std::string_view line) {
+  const size_t colon = line.find(": ");
+  return colon == std::string_view::npos ? line : line.substr(colon + 2);
+}
+
+}  // namespace
+
+LineReader::LineReader(Fd pipe)
+    : pipe_(std::move(pipe)), stop_(eventfd(0, EFD_CLOEXEC)), thread_([this] { run(); }) {}
+
+LineReader::~LineReader() {
+  constexpr uint64_t kOne = 1;
+  [[maybe_unused]] const ssize_t written = write(stop_.get(), &kOne, sizeof(kOne));
+  thread_.join();
+}
+
+void LineReader::run() {
+  std::array<char, 16384> chunk{};
+  std::array<pollfd, 2> watched{{{pipe_.get(), POLLIN, 0}, {stop_.get(), POLLIN, 0}}};
+  for (;;) {
+    if (poll(watched.data(), watched.size(), -1) < 0) continue;
+    if (watched[1].revents != 0) break;
+    const ssize_t size = read(pipe_.get(), chunk.data(), chunk.size());
+    if (size < 0 && errno == EINTR) continue;
+    if (size <= 0) break;
+    take({chunk.data(), static_cast<size_t>(size)});
+  }
+  const std::scoped_lock lock(mutex_);
+  if (!partial_.empty()) lines_.push_back(std::move(partial_));
+  ended_ = true;
+  changed_.notify_all();
+}
+
+void LineReader::take(std::string_view chunk) {
+  const std::scoped_lock lock(mutex_);
+  for (size_t end = chunk.find('\n'); end != std::string_view::npos; end = chunk.find('\n')) {
+    partial_ += chunk.substr(0, end);
+    lines_.push_back(std::exchange(partial_, {}));
+    chunk.remove_prefix(end + 1);
+  }
+  partial_ += chunk;
+  changed_.notify_all();
+}
+
+size_t LineReader::count() const {
+  const std::scoped_lock lock(mutex_);
+  return lines_.size();
+}
+
+std::vector<std::string> LineReader::lines(size_t from) const {
+  const std::scoped_lock lock(mutex_);
+  if (from >= lines_.size()) return {};
+  return {lines_.begin() + static_cast<ptrdiff_t>(from), lines_.end()};
+}
+
+std::optional<size_t> LineReader::waitFor(std::string_view text, size_t from, Millis timeout) const {
+  size_t next = from;
+  std::optional<size_t> found;
+  const auto foundOrEnded = [&] {
+    for (; next < lines_.size() && !found; ++next) {
+      if (textOf(lines_[next]) == text) found = next;
+    }
+    return found || ended_;
+  };
+  std::unique_lock lock(mutex_);
+  changed_.wait_for(lock, timeout, foundOrEnded);
+  return found;
+}
+
+bool LineReader::waitForEnd(Millis timeout) const {
+  std::unique_lock lock(mutex_);
+  return changed_.wait_for(lock, timeout, [this] { return ended_; });
+}
+
+}  // namespace handset

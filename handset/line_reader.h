@@ -1,0 +1,54 @@
+// Collects the lines that arrive on a pipe, on a thread of its own, so that the writer never waits for a
+// reader.
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "handset/fd.h"
+#include "handset/timeout.h"
+
+namespace handset {
+
+/// May be used from any thread.
+class LineReader {
+ public:
+  /// Reads until the end of file, or until this object goes.
+  explicit LineReader(Fd pipe);
+  LineReader(const LineReader&) = delete;
+  LineReader& operator=(const LineReader&) = delete;
+  ~LineReader();
+
+  /// How many lines there are so far.
+  [[nodiscard]] size_t count() const;
+  /// The lines from number `from` on, without their line feeds.
+  [[nodiscard]] std::vector<std::string> lines(size_t from = 0) const;
+  /// Waits for a line with this text, at number `from` or later. The text of a line is what follows its first
+  /// ": ", the whole line without one. Returns the line's number, or nothing when the time passed or the pipe
+  /// ended first.
+  std::optional<size_t> waitFor(std::string_view text, size_t from, Millis timeout) const;
+
+  /// Waits for the end of the pipe; false when the time passed first.
+  bool waitForEnd(Millis timeout) const;
+
+ private:
+  void run();
+  void take(std::string_view chunk);
+
+  Fd pipe_;
+  Fd stop_;
+  mutable std::mutex mutex_;
+  mutable std::condition_variable changed_;
+  std::vector<std::string> lines_;
+  std::string partial_;
+  bool ended_ = false;
+  std::thread thread_;  // last: it uses all of the above
+};
+
+}  // namespace handset

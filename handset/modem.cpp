@@ -1,0 +1,251 @@
+#include "handset/modem.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace handset {
+namespace {
+
+using host::FrameHeader;
+using host::FrameKind;
+
+bool isService(Service service) {
+  switch (service) {
+    case Service::dms:
+    case Service::nas:
+    case Service::vendor:
+      return true;
+  }
+  return false;
+}
+
+FrameHeader responseHeader(Service service, uint16_t id, uint32_t transaction, int32_t code) {
+  return {FrameKind::response, service, id, transaction, code};
+}
+
+}  // namespace
+
+Modem::Modem(const std::string& root)
+    : socket_path_(root + host::kModemSocketPath),
+      server_({.received = [this](ConnectionId id, ByteView packet) { onPacket(id, packet); },
+               .closed = [this](ConnectionId id) { onClosed(id); }},
+              host::kFrameSizeMax) {}
+
+Modem::~Modem() {
+  stop();
+}
+
+void Modem::start() {
+  server_.start(socket_path_);
+}
+
+void Modem::stop() {
+  server_.stop();
+}
+
+void Modem::dropConnections() {
+  server_.dropConnections();
+}
+
+void Modem::publish(Service service, int32_t instances) {
+  const auto frame = host::encodeFrameHeader({FrameKind::services, service, 0, 0, instances});
+  const std::scoped_lock lock(mutex_);
+  if (std::exchange(published_[service].instances, instances) == instances) return;
+  // Sent under the lock, so that every lookup hears of changes in their order.
+  for (const auto& [id, peer] : peers_) {
+    if (peer.role == FrameKind::lookup && peer.service == service) server_.send(id, frame);
+  }
+}
+
+void Modem::refuseConnect(Service service, int32_t code) {
+  const std::scoped_lock lock(mutex_);
+  published_[service].refusal = code;
+}
+
+template <typename Change>
+void Modem::changeRule(Service service, uint16_t id, Change change) {
+  const std::scoped_lock lock(mutex_);
+  std::shared_ptr<const Rule>& rule = rules_[{service, id}];
+  auto changed = rule == nullptr ? std::make_shared<Rule>() : std::make_shared<Rule>(*rule);
+  change(*changed);
+  rule = std::move(changed);
+}
+
+void Modem::handle(Service service, uint16_t id, Handler handler) {
+  changeRule(service, id, [&](Rule& rule) {
+    rule.handler = std::move(handler);
+    rule.silent = false;
+  });
+}
+
+void Modem::answer(Service service, uint16_t id, ByteView body) {
+  handle(service, id, [reply = Reply{0, Bytes(body.begin(), body.end())}](ByteView) { return reply; });
+}
+
+void Modem::fail(Service service, uint16_t id, int32_t code) {
+  handle(service, id, [code](ByteView) { return Reply{code, {}}; });
+}
+
+void Modem::silence(Service service, uint16_t id) {
+  changeRule(service, id, [](Rule& rule) { rule.silent = true; });
+}
+
+void Modem::delay(Service service, uint16_t id, Millis time) {
+  changeRule(service, id, [time](Rule& rule) { rule.delay = time; });
+}
+
+void Modem::restore(Service service, uint16_t id) {
+  const std::scoped_lock lock(mutex_);
+  rules_.erase({service, id});
+}
+
+size_t Modem::indicate(Service service, uint16_t id, ByteView body) {
+  const auto header = host::encodeFrameHeader({FrameKind::indication, service, id, 0, 0});
+  return sendRaw(service, concat(header, body));
+}
+
+size_t Modem::sendRaw(Service service, ByteView packet) {
+  std::vector<ConnectionId> clients;
+  {
+    const std::scoped_lock lock(mutex_);
+    for (const auto& [id, peer] : peers_) {
+      if (peer.role == FrameKind::connect && peer.service == service) clients.push_back(id);
+    }
+  }
+  return static_cast<size_t>(std::count_if(clients.begin(), clients.end(),
+                                           [&](ConnectionId id) { return server_.send(id, packet); }));
+}
+
+bool Modem::respond(const Received& request, int32_t code, ByteView body) {
+  const FrameHeader header = responseHeader(request.service, request.id, request.transaction, code);
+  return server_.send(request.connection, host::encodeFrameHeader(header), code == 0 ? body : ByteView{});
+}
+
+std::vector<Received> Modem::requests() const {
+  const std::scoped_lock lock(mutex_);
+  return requests_;
+}
+
+size_t Modem::requestCount() const {
+  const std::scoped_lock lock(mutex_);
+  return requests_.size();
+}
+
+void Modem::clearRequests() {
+  const std::scoped_lock lock(mutex_);
+  requests_.clear();
+}
+
+void Modem::recordRequests(bool on) {
+  const std::scoped_lock lock(mutex_);
+  recording_ = on;
+}
+
+bool Modem::waitForRequests(size_t count, Millis timeout) {
+  std::unique_lock lock(mutex_);
+  return changed_.wait_for(lock, timeout, [&] { return requests_.size() >= count; });
+}
+
+bool Modem::waitForClients(Service service, size_t count, Millis timeout) {
+  return waitForPeers(FrameKind::connect, service, count, timeout);
+}
+
+bool Modem::waitForLookups(Service service, size_t count, Millis timeout) {
+  return waitForPeers(FrameKind::lookup, service, count, timeout);
+}
+
+bool Modem::waitForPeers(FrameKind role, Service service, size_t count, Millis timeout) {
+  std::unique_lock lock(mutex_);
+  return changed_.wait_for(lock, timeout, [&] { return countPeers(role, service) >= count; });
+}
+
+size_t Modem::countPeers(FrameKind role, Service service) const {
+  return static_cast<size_t>(std::count_if(peers_.begin(), peers_.end(), [&](const auto& entry) {
+    return entry.second.role == role && entry.second.service == service;
+  }));
+}
+
+void Modem::onPacket(ConnectionId id, ByteView packet) {
+  if (packet.size() < host::kFrameHeaderSize) return;
+  const FrameHeader header = host::decodeFrameHeader(packet.data());
+  if (!isService(header.service)) return;
+  switch (header.kind) {
+    case FrameKind::lookup:
+      return onLookup(id, header.service);
+    case FrameKind::connect:
+      return onConnect(id, header.service);
+    case FrameKind::request:
+      return onRequest(id, header, packet.subspan(host::kFrameHeaderSize));
+    case FrameKind::services:
+    case FrameKind::connected:
+    case FrameKind::response:
+    case FrameKind::indication:
+      return;
+  }
+}
+
+void Modem::onClosed(ConnectionId id) {
+  const std::scoped_lock lock(mutex_);
+  peers_.erase(id);
+  changed_.notify_all();
+}
+
+// The peer is entered under the same lock as the answer is sent, so that it is neither left out of what is
+// sent to all after it got the answer, nor sent anything before.
+
+void Modem::onLookup(ConnectionId id, Service service) {
+  const std::scoped_lock lock(mutex_);
+  const int32_t instances = published_[service].instances;
+  if (!server_.send(id, host::encodeFrameHeader({FrameKind::services, service, 0, 0, instances}))) return;
+  peers_[id] = {FrameKind::lookup, service};
+  changed_.notify_all();
+}
+
+void Modem::onConnect(ConnectionId id, Service service) {
+  const std::scoped_lock lock(mutex_);
+  const Publication& published = published_[service];
+  const int32_t code = published.refusal == 0 && published.instances <= 0 ? kNotPublished : published.refusal;
+  if (!server_.send(id, host::encodeFrameHeader({FrameKind::connected, service, 0, 0, code}))) return;
+  if (code != 0) return;
+  peers_[id] = {FrameKind::connect, service};
+  changed_.notify_all();
+}
+
+void Modem::onRequest(ConnectionId id, const FrameHeader& header, ByteView body) {
+  std::shared_ptr<const Rule> rule;
+  {
+    const std::scoped_lock lock(mutex_);
+    const auto peer = peers_.find(id);
+    const bool connected = peer != peers_.end() && peer->second.role == FrameKind::connect;
+    if (!connected || peer->second.service != header.service) return;
+    if (recording_) {
+      requests_.push_back(
+          {header.service, header.message_id, header.transaction, Bytes(body.begin(), body.end()), id});
+      changed_.notify_all();
+    }
+    const auto found = rules_.find({header.service, header.message_id});
+    if (found != rules_.end()) rule = found->second;
+  }
+  if (rule != nullptr && rule->silent) return;
+
+  const Reply reply = replyTo(header, body, rule.get());
+  const auto answer = host::encodeFrameHeader(
+      responseHeader(header.service, header.message_id, header.transaction, reply.code));
+  const ByteView answer_body = reply.code == 0 ? ByteView(reply.body) : ByteView{};
+  if (rule != nullptr && rule->delay > Millis::zero()) {
+    server_.sendLater(id, SocketServer::Clock::now() + rule->delay, concat(answer, answer_body));
+  } else {
+    server_.send(id, answer, answer_body);
+  }
+}
+
+Reply Modem::replyTo(const FrameHeader& header, ByteView body, const Rule* rule) {
+  const MessageRow* row = findMessage(header.service, header.message_id);
+  if (row != nullptr && body.size() != row->request_size) return {kMalformed, {}};
+  if (rule != nullptr && rule->handler) return rule->handler(body);
+  if (row == nullptr) return {kUnknownMessage, {}};
+  return {0, state_.answer(*row, body)};
+}
+
+}  // namespace handset

@@ -1,0 +1,146 @@
+// The modem's end of the modem link: publishes the services, answers requests, sends indications.
+//
+// Every message of the table is answered from ModemState, until a rule for (service, message id) says
+// otherwise. answer(), fail(), handle() and silence() replace one another; delay() adds to any of them;
+// restore() undoes all. A request whose size is not the table's is refused with kMalformed, rule or not, and
+// one that neither table nor rules know with kUnknownMessage. Rules may be set for ids outside the table;
+// those take any size.
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "handset/bytes.h"
+#include "handset/message_table.h"
+#include "handset/modem_state.h"
+#include "handset/socket_server.h"
+#include "handset/timeout.h"
+
+namespace handset {
+
+/// Codes that the modem refuses with by itself.
+inline constexpr int32_t kMalformed = 1;
+inline constexpr int32_t kNotPublished = 31;
+inline constexpr int32_t kUnknownMessage = 71;
+
+/// An answer: code 0 and a body, or an error code, which goes without a body.
+struct Reply {
+  int32_t code = 0;
+  Bytes body;
+};
+
+struct Received {
+  Service service{};
+  uint16_t id = 0;
+  uint32_t transaction = 0;
+  Bytes body;
+  ConnectionId connection = 0;
+};
+
+/// Everything may be called from any thread, but start() and stop() only from one at a time and never from a
+/// handler.
+class Modem {
+ public:
+  using Handler = std::function<Reply(ByteView body)>;
+
+  /// Does not listen yet. `root` is the handset folder.
+  explicit Modem(const std::string& root);
+  Modem(const Modem&) = delete;
+  Modem& operator=(const Modem&) = delete;
+  ~Modem();
+
+  /// Listens on the folder's modem.sock. Throws std::system_error when it cannot.
+  void start();
+  /// Goes away: no socket, no connections. Settings, state and recorded requests stay.
+  void stop();
+  void dropConnections();
+
+  /// How many instances of a service there are; 1 at first. A service with none refuses to connect.
+  void publish(Service service, int32_t instances);
+  /// Refuses to connect with this code; 0 accepts again.
+  void refuseConnect(Service service, int32_t code);
+
+  void answer(Service service, uint16_t id, ByteView body);
+  void fail(Service service, uint16_t id, int32_t code);
+  /// Receives requests without answering; respond() may do so later.
+  void silence(Service service, uint16_t id);
+  /// Answers with what `handler` returns. It runs on the modem's thread, so what it waits for holds up all.
+  void handle(Service service, uint16_t id, Handler handler);
+  /// Sends answers this much later; others overtake them. 0 sends at once.
+  void delay(Service service, uint16_t id, Millis time);
+  void restore(Service service, uint16_t id);
+
+  ModemState& state() { return state_; }
+  RdeStore& rde() { return state_.rde(); }
+
+  /// Sends an indication to every client of the service. Returns how many got it.
+  size_t indicate(Service service, uint16_t id, ByteView body);
+  size_t indicate(uint16_t id, ByteView body) { return indicate(Service::vendor, id, body); }
+  /// Sends a packet as it stands to every client of the service. Returns how many got it.
+  size_t sendRaw(Service service, ByteView packet);
+  /// Answers a recorded request by hand; nothing keeps a caller from doing so twice. False when its
+  /// connection is gone.
+  bool respond(const Received& request, int32_t code, ByteView body = {});
+
+  /// Copies of the recorded requests, in the order they came in; refused ones are among them.
+  [[nodiscard]] std::vector<Received> requests() const;
+  [[nodiscard]] size_t requestCount() const;
+  void clearRequests();
+  /// Whether requests are recorded; they are at first.
+  void recordRequests(bool on);
+
+  /// Each waits until there are at least `count`; false when the time passed first.
+  bool waitForRequests(size_t count, Millis timeout = kTimeout);
+  bool waitForClients(Service service, size_t count, Millis timeout = kTimeout);
+  /// Lookups are the connections that asked for the service's instances and stay to hear of changes.
+  bool waitForLookups(Service service, size_t count, Millis timeout = kTimeout);
+
+ private:
+  struct Rule {
+    Handler handler;  // none: the answer of state_
+    Millis delay{0};
+    bool silent = false;
+  };
+  struct Publication {
+    int32_t instances = 1;
+    int32_t refusal = 0;
+  };
+  struct Peer {
+    host::FrameKind role{};  // lookup or connect
+    Service service{};
+  };
+
+  void onPacket(ConnectionId id, ByteView packet);
+  void onClosed(ConnectionId id);
+  void onLookup(ConnectionId id, Service service);
+  void onConnect(ConnectionId id, Service service);
+  void onRequest(ConnectionId id, const host::FrameHeader& header, ByteView body);
+  Reply replyTo(const host::FrameHeader& header, ByteView body, const Rule* rule);
+  template <typename Change>
+  void changeRule(Service service, uint16_t id, Change change);
+  [[nodiscard]] size_t countPeers(host::FrameKind role, Service service) const;
+  bool waitForPeers(host::FrameKind role, Service service, size_t count, Millis timeout);
+
+  const std::string socket_path_;
+  ModemState state_;
+
+  mutable std::mutex mutex_;
+  std::condition_variable changed_;
+  std::map<Service, Publication> published_;
+  std::map<ConnectionId, Peer> peers_;
+  std::map<std::pair<Service, uint16_t>, std::shared_ptr<const Rule>> rules_;
+  std::vector<Received> requests_;
+  bool recording_ = true;
+
+  SocketServer server_;  // last: its thread uses all of the above
+};
+
+}  // namespace handset

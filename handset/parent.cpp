@@ -1,0 +1,254 @@
+#include "handset/parent.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <stdexcept>
+#include <system_error>
+
+namespace handset {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr size_t kReadSize = size_t{64} * 1024;
+constexpr Millis kExitTimeout{2000};
+
+// An unsolicited message: its payload's length in bytes stands here, and so much comes on top of it.
+constexpr size_t kUnsolicitedLengthAt = 12;
+constexpr size_t kUnsolicitedOverhead = 28;
+constexpr uint32_t kUnsolicitedLengthMax = 1024 * 1024;
+
+// The child's ends are kept above the numbers that it gets them at, so that none overwrites another.
+constexpr int kChildFdMin = 16;
+
+void check(int error, const std::string& what) {
+  if (error != 0) throw std::system_error(error, std::generic_category(), what);
+}
+
+struct Pipe {
+  Fd read;
+  Fd write;
+};
+
+Pipe makePipe() {
+  int ends[2];
+  if (pipe2(ends, O_CLOEXEC) != 0) check(errno, "pipe2");
+  return {Fd(ends[0]), Fd(ends[1])};
+}
+
+Fd moveUp(Fd fd) {
+  Fd moved(fcntl(fd.get(), F_DUPFD_CLOEXEC, kChildFdMin));
+  if (!moved) check(errno, "F_DUPFD_CLOEXEC");
+  return moved;
+}
+
+std::vector<std::string> environmentOf(const ParentOptions& options) {
+  auto added = options.environment;
+  added.emplace_back("HANDSET_ROOT", options.handset_root);
+  std::vector<std::string> all;
+  for (char** entry = environ; *entry != nullptr; ++entry) {
+    const std::string_view name = std::string_view(*entry).substr(0, std::string_view(*entry).find('='));
+    const bool replaced =
+        std::any_of(added.begin(), added.end(), [name](const auto& pair) { return pair.first == name; });
+    if (!replaced) all.emplace_back(*entry);
+  }
+  for (const auto& [name, value] : added) {
+    if (name != "HANDSET_ROOT" || !value.empty()) all.emplace_back(name).append("=").append(value);
+  }
+  return all;
+}
+
+std::vector<std::string> argumentsOf(const ParentOptions& options) {
+  std::vector<std::string> all{options.executable};
+  if (options.arguments) {
+    all.insert(all.end(), options.arguments->begin(), options.arguments->end());
+    return all;
+  }
+  for (const int number : {kChildRequestsFd, kChildResponsesFd, kChildUnsolicitedFd, options.instance_id}) {
+    all.push_back(std::to_string(number));
+  }
+  return all;
+}
+
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
+  for (std::string& text : texts)
+    pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+class SpawnSettings {
+ public:
+  SpawnSettings() {
+    check(posix_spawn_file_actions_init(&actions_), "posix_spawn");
+    check(posix_spawnattr_init(&attributes_), "posix_spawn");
+    sigset_t set;
+    sigemptyset(&set);
+    check(posix_spawnattr_setsigmask(&attributes_, &set), "posix_spawn");
+    sigaddset(&set, SIGPIPE);
+    check(posix_spawnattr_setsigdefault(&attributes_, &set), "posix_spawn");
+    check(posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF),
+          "posix_spawn");
+    check(posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0), "posix_spawn");
+  }
+  SpawnSettings(const SpawnSettings&) = delete;
+  SpawnSettings& operator=(const SpawnSettings&) = delete;
+  ~SpawnSettings() {
+    posix_spawn_file_actions_destroy(&actions_);
+    posix_spawnattr_destroy(&attributes_);
+  }
+
+  void give(const Fd& fd, int number) {
+    check(posix_spawn_file_actions_adddup2(&actions_, fd.get(), number), "posix_spawn");
+  }
+  void closeFrom(int number) {
+    check(posix_spawn_file_actions_addclosefrom_np(&actions_, number), "posix_spawn");
+  }
+  pid_t spawn(std::vector<std::string> arguments, std::vector<std::string> environment) {
+    pid_t pid = -1;
+    const int error = posix_spawn(&pid, arguments.front().c_str(), &actions_, &attributes_,
+                                  pointersTo(arguments).data(), pointersTo(environment).data());
+    check(error, arguments.front());
+    return pid;
+  }
+
+ private:
+  posix_spawn_file_actions_t actions_{};
+  posix_spawnattr_t attributes_{};
+};
+
+/// Whether the descriptor has one of the events, or an error, before the time is up.
+bool waitUntil(Clock::time_point deadline, int fd, short events) {
+  if (fd < 0) return false;
+  for (;;) {
+    const auto left = std::chrono::ceil<Millis>(deadline - Clock::now());
+    pollfd watched{fd, events, 0};
+    const int ready = poll(&watched, 1, static_cast<int>(std::max(left, Millis::zero()).count()));
+    if (ready >= 0 || errno != EINTR) return ready > 0;
+  }
+}
+
+/// What one read gives; nothing at the end of the pipe or when the time is up.
+std::optional<Bytes> readOnce(int fd, Clock::time_point deadline) {
+  if (!waitUntil(deadline, fd, POLLIN)) return std::nullopt;
+  Bytes bytes(kReadSize);
+  const ssize_t size = read(fd, bytes.data(), bytes.size());
+  if (size <= 0) return std::nullopt;
+  bytes.resize(static_cast<size_t>(size));
+  return bytes;
+}
+
+}  // namespace
+
+Parent::Parent(const ParentOptions& options) {
+  std::signal(SIGPIPE, SIG_IGN);
+  Pipe requests = makePipe();
+  Pipe responses = makePipe();
+  Pipe unsolicited = makePipe();
+  Pipe errors = makePipe();
+  const Fd child_requests = moveUp(std::move(requests.read));
+  const Fd child_responses = moveUp(std::move(responses.write));
+  const Fd child_unsolicited = moveUp(std::move(unsolicited.write));
+  const Fd child_errors = moveUp(std::move(errors.write));
+
+  SpawnSettings settings;
+  settings.give(child_errors, STDERR_FILENO);
+  settings.give(child_requests, kChildRequestsFd);
+  settings.give(child_responses, kChildResponsesFd);
+  settings.give(child_unsolicited, kChildUnsolicitedFd);
+  settings.closeFrom(kChildUnsolicitedFd + 1);
+  pid_ = settings.spawn(argumentsOf(options), environmentOf(options));
+  process_ = Fd(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)));
+  if (!process_) {
+    const int error = errno;
+    ::kill(pid_, SIGKILL);
+    waitpid(pid_, nullptr, 0);
+    check(error, "pidfd_open");
+  }
+
+  requests_ = std::move(requests.write);
+  responses_ = std::move(responses.read);
+  unsolicited_ = std::move(unsolicited.read);
+  // A process that stops reading makes send() fail instead of hang.
+  fcntl(requests_.get(), F_SETFL, O_NONBLOCK);
+  log_ = std::make_unique<LineReader>(std::move(errors.read));
+}
+
+Parent::~Parent() {
+  closeRequests();
+  if (wait(kExitTimeout)) return;
+  kill(SIGKILL);
+  wait();
+}
+
+bool Parent::send(ByteView request, Millis timeout) {
+  if (!waitUntil(Clock::now() + timeout, requests_.get(), POLLOUT)) return false;
+  return write(requests_.get(), request.data(), request.size()) == static_cast<ssize_t>(request.size());
+}
+
+std::optional<Bytes> Parent::nextResponse(Millis timeout) {
+  return readOnce(responses_.get(), Clock::now() + timeout);
+}
+
+std::optional<Bytes> Parent::ask(ByteView request, Millis timeout) {
+  if (!send(request, timeout)) return std::nullopt;
+  return nextResponse(timeout);
+}
+
+std::optional<Bytes> Parent::nextUnsolicited(Millis timeout) {
+  const auto deadline = Clock::now() + timeout;
+  for (;;) {
+    if (unsolicited_bytes_.size() >= kUnsolicitedLengthAt + sizeof(uint32_t)) {
+      const auto length = getLe<uint32_t>(unsolicited_bytes_, kUnsolicitedLengthAt);
+      if (length > kUnsolicitedLengthMax)
+        throw std::runtime_error("unsolicited message of impossible length");
+      const auto end = static_cast<ptrdiff_t>(length + kUnsolicitedOverhead);
+      if (unsolicited_bytes_.size() >= static_cast<size_t>(end)) {
+        Bytes message(unsolicited_bytes_.begin(), unsolicited_bytes_.begin() + end);
+        unsolicited_bytes_.erase(unsolicited_bytes_.begin(), unsolicited_bytes_.begin() + end);
+        return message;
+      }
+    }
+    const std::optional<Bytes> more = readOnce(unsolicited_.get(), deadline);
+    if (!more) return std::nullopt;
+    unsolicited_bytes_.insert(unsolicited_bytes_.end(), more->begin(), more->end());
+  }
+}
+
+void Parent::kill(int signal) const {
+  if (!exit_status_) ::kill(pid_, signal);
+}
+
+std::optional<int> Parent::wait(Millis timeout) {
+  if (exit_status_) return exit_status_;
+  if (!waitUntil(Clock::now() + timeout, process_.get(), POLLIN)) return std::nullopt;
+  int status = 0;
+  if (waitpid(pid_, &status, 0) != pid_) return std::nullopt;
+  // What the process logged last may still be in the pipe.
+  log_->waitForEnd(kExitTimeout);
+  exit_status_ = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+  return exit_status_;
+}
+
+bool Parent::waitForLog(std::string_view text, Millis timeout) {
+  const std::optional<size_t> line = log_->waitFor(text, log_cursor_, timeout);
+  if (line) log_cursor_ = *line + 1;
+  return line.has_value();
+}
+
+bool Parent::waitForLogSince(size_t mark, std::string_view text, Millis timeout) {
+  return log_->waitFor(text, mark, timeout).has_value();
+}
+
+}  // namespace handset

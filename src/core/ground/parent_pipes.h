@@ -1,0 +1,29 @@
+// Writing to the parent. The response pipe belongs to the dispatch loop's thread, the unsolicited pipe to the
+// modem's indication thread; one message is one write, so no lock guards either.
+#pragma once
+
+#include <cstdint>
+
+#include "core/ground/hook_message.h"
+
+namespace kesext {
+
+/// Writes one message on the response pipe. 1, or 0 when the write failed, which has then been logged.
+int writeToParent(const uint8_t* message, uint32_t length);
+
+/// The same on the unsolicited pipe.
+int writeUnsolToParent(const uint8_t* message, uint32_t length);
+
+/// Answers a CDMA request (null: id 0) with a 20-byte record that holds nothing but a status.
+void sendStatusResponse(const HookRequest* request, uint32_t status);
+
+/// Answers a generic request with `length` bytes of payload.
+void sendGenericReply(const HookRequest& request, const uint8_t* payload, uint32_t length);
+
+/// Answers a generic request with a status as its one byte of payload.
+void sendGenericStatus(const HookRequest& request, uint8_t status);
+
+/// Answers an unusable or unserved request: its first four bytes, then a length of -1.
+void sendGenericErrorResponse(const uint8_t* buffer);
+
+}  // namespace kesext

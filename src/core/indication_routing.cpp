@@ -1,0 +1,54 @@
+#include "core/indication_routing.h"
+
+#include <iterator>
+
+#include "carrier/indications.h"
+#include "core/ground/log.h"
+#include "core/test_notification.h"
+#include "generic/antenna_tuning.h"
+#include "generic/data_plmn.h"
+#include "generic/pfp.h"
+#include "generic/rf_save.h"
+#include "generic/signal_coverage.h"
+
+namespace kesext {
+
+namespace {
+
+struct IndicationTableRow {
+  uint32_t indication_id;
+  IndicationHandler handler;  // null: not served
+};
+
+constexpr IndicationTableRow unsolIndTable[] = {
+    {0x0001, sendUnsolNotify},  {0x000A, myPfpIndHndlr}, {0x0013, dhob_ind_handler},
+    {0x0016, dataPlmnIndHndlr}, {0x000F, nullptr},  // utility: modem logs and their files
+    {0x010C, sigcovIndHndlr},   {0x0110, tunerIndHndlr},
+};
+static_assert(std::size(unsolIndTable) == 7);
+
+IndicationHandler findHandler(uint32_t indication_id) {
+  for (const IndicationTableRow& row : unsolIndTable)
+    if (row.indication_id == indication_id) return row.handler;
+  return nullptr;
+}
+
+}  // namespace
+
+void handleUnsolIndication(qmi_client_type client, uint32_t indication_id, const uint8_t* buffer,
+                           uint32_t buffer_length, void* callback_data) {
+  LOGE("Handling unsol msg %d", indication_id);
+  if (kes_qmi_sprint_hook_ind_cb(client, indication_id, buffer, buffer_length, callback_data) == 0) {
+    LOGE("Unsol resp 0x%x is handled by Sprint handler.", indication_id);
+    return;
+  }
+  LOGE("Unsol resp 0x%x not supported by Sprint handler.", indication_id);
+  const IndicationHandler handler = findHandler(indication_id);
+  if (handler == nullptr) {
+    LOGE("Unsupported Indicator message %u", indication_id);
+    return;
+  }
+  handler(client, indication_id, buffer, buffer_length, callback_data);
+}
+
+}  // namespace kesext

@@ -1,0 +1,124 @@
+#include "generic/rf_save.h"
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <atomic>
+
+#include "core/ground/log.h"
+#include "core/ground/process_state.h"
+#include "platform/device_path.h"
+#include "qmi/send.h"
+
+namespace kesext {
+
+namespace {
+
+constexpr const char* kSharedRamPath = "/dev/kes_hob_ram";
+constexpr const char* kPartitionPath = "/dev/block/bootdevice/by-name/dhob";
+
+/// The region within the device, in bytes.
+constexpr off_t kRegionOffset = 0xF540000;
+constexpr size_t kRegionSize = 0x8000;
+
+enum DhobMessage : uint8_t { kDhobFailed = 0, kDhobSaved = 1, kDhobReady = 0xFF };
+
+struct DhobRequest {
+  uint8_t message;
+};
+struct DhobResponse {
+  uint8_t unread;
+};
+static_assert(sizeof(DhobRequest) == 1 && sizeof(DhobResponse) == 1);
+
+constexpr VendorMessage<DhobRequest, DhobResponse> kDhob{0x0013};
+
+/// Set while a save runs; every save thread tests and sets it.
+std::atomic_flag save_in_progress = ATOMIC_FLAG_INIT;
+
+void sendToModem(DhobMessage message) {
+  DhobResponse response;
+  sendVendor(kDhob, DhobRequest{message}, response);
+}
+
+int openDevice(const char* path, int flags) {
+  char place[kDevicePathMax];
+  return open(device_path(path, place, sizeof place), flags | O_CLOEXEC);
+}
+
+/// Writes the region to the partition in one write.
+bool writePartition(const void* region) {
+  const int partition = openDevice(kPartitionPath, O_RDWR | O_SYNC);
+  if (partition < 0) {
+    LOGE("dhob_write: Open hob block failed");
+    return false;
+  }
+  const bool saved = write(partition, region, kRegionSize) == static_cast<ssize_t>(kRegionSize);
+  if (saved)
+    LOGE("dhob_write: Save RF to HOB successful");
+  else
+    LOGE("dhob_write: Write to hob block failed");
+  close(partition);
+  return saved;
+}
+
+bool saveRegion() {
+  const int device = openDevice(kSharedRamPath, O_RDWR);
+  if (device < 0) {
+    LOGE("dhob_write: Unable to open %s", kSharedRamPath);
+    return false;
+  }
+  LOGE("dhob_write: kes_shared_ram open success");
+  void* region = mmap(nullptr, kRegionSize, PROT_READ | PROT_WRITE, MAP_SHARED, device, kRegionOffset);
+  if (region == MAP_FAILED) {
+    LOGE("dhob_write: mmap failed");
+    LOGE("dhob_write: base %#x", static_cast<unsigned>(kRegionOffset));
+    LOGE("dhob_write: size %#x", static_cast<unsigned>(kRegionSize));
+    close(device);
+    return false;
+  }
+  const bool saved = writePartition(region);
+  close(device);
+  munmap(region, kRegionSize);
+  return saved;
+}
+
+void* runSave(void*) {
+  dhob_write();
+  return nullptr;
+}
+
+}  // namespace
+
+void dhob_send_ready() {
+  LOGE("dhob_write: Sending ready to received indications message to BP");
+  sendToModem(kDhobReady);
+}
+
+int dhob_ind_handler(qmi_client_type, uint32_t, const uint8_t*, uint32_t, void*) {
+  if (kes_ext_instance_id != 0) return 0;
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+  pthread_t thread;
+  pthread_create(&thread, &attributes, runSave, nullptr);
+  pthread_attr_destroy(&attributes);
+  return 0;
+}
+
+void dhob_write() {
+  if (save_in_progress.test_and_set()) {
+    LOGE("dhob_write: Duplicate request: Save to HOB already in progress");
+    sendToModem(kDhobFailed);
+    return;
+  }
+  const bool saved = saveRegion();
+  sync();
+  LOGE("dhob_write: Sending DYNHOB request to BP");
+  sendToModem(saved ? kDhobSaved : kDhobFailed);
+  save_in_progress.clear();
+}
+
+}  // namespace kesext

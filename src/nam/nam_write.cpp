@@ -1,0 +1,154 @@
+#include "nam/nam_write.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "carrier/service_codes.h"
+#include "core/ground/log.h"
+#include "nam/digit_coding.h"
+#include "nam/nam_info.h"
+#include "nam/nam_items.h"
+#include "nam/vocoder_coding.h"
+
+namespace kesext {
+
+namespace {
+
+/// Status of a step that is no item write.
+constexpr uint32_t kStepFailed = 4;
+
+constexpr uint32_t low16(uint32_t value) {
+  return value & 0xFFFF;
+}
+constexpr uint32_t low8(uint32_t value) {
+  return value & 0xFF;
+}
+
+static_assert(sizeof(NamInfo::newSpc) == kSpcSize);
+
+/// What one request writes.
+struct NamProgram {
+  char mdn[kMdnDigitsMax + 1];
+  NamValues values;
+  bool change_spc;
+  uint8_t old_spc[kSpcSize];
+  uint8_t new_spc[kSpcSize];
+};
+
+bool areDigits(const uint8_t (&spc)[kSpcSize]) {
+  for (size_t i = 0; i < kSpcSize; ++i) {
+    if (spc[i] < '0' || spc[i] > '9') {
+      LOGE("Byte (%d) of SPC is not digit.", static_cast<int>(i));
+      return false;
+    }
+  }
+  return true;
+}
+
+void convertSpc(const OemHookHeader& header, const NamInfo& info, NamProgram& program) {
+  std::memcpy(program.old_spc, header.spc, kSpcSize);
+  std::memcpy(program.new_spc, info.newSpc, kSpcSize);
+  const auto* old_text = reinterpret_cast<const char*>(program.old_spc);
+  const auto* new_text = reinterpret_cast<const char*>(program.new_spc);
+  const bool changed = std::strncmp(old_text, new_text, kSpcSize) != 0;
+  LOGE("isSpcChanged = %d, (%.6s ~ %.6s)", changed, old_text, new_text);
+  program.change_spc = changed && areDigits(program.new_spc);
+}
+
+NamProgram convert(const OemHookHeader& header, const NamInfo& info) {
+  NamProgram program{};
+  NamValues& values = program.values;
+  values.mcc = encode_mcc_digits(info.mcc);
+  LOGE("kesext_hook_sprint_set_nam_info:  SET NAM IMSI_MCC  %d ", values.mcc);
+  values.imsi_11_12 = encode_imsi_11_12_digits(info.imsi11_12);
+  LOGE("kesext_hook_sprint_set_nam_info:  SET NAM IMSI_11_12  %d ", values.imsi_11_12);
+
+  const MinCode min = encode_min_digits(info.min);
+  values.min1 = min.min1;
+  values.min2 = min.min2;
+  LOGE("kesext_hook_sprint_set_nam_info:  SET NAM MIN1 %lu MIN2 %d ", static_cast<unsigned long>(min.min1),
+       min.min2);
+
+  const ImsiTCode imsi_t = encode_imsi_t_digits(info.imsiT);
+  values.mcc_t = imsi_t.mcc_t;
+  values.imsi_t_11_12 = imsi_t.imsi_t_11_12;
+  values.imsi_t_s1 = imsi_t.imsi_t_s1;
+  values.imsi_t_s2 = imsi_t.imsi_t_s2;
+  LOGE("kesext_hook_sprint_set_nam_info:  SET NAM MccT %d imsiT11_12 %d imsiT_s1 %lu imsiT_s2 %d ",
+       imsi_t.mcc_t, imsi_t.imsi_t_11_12, static_cast<unsigned long>(imsi_t.imsi_t_s1), imsi_t.imsi_t_s2);
+
+  std::memcpy(program.mdn, info.mdn, kMdnDigitsMax);
+  convertSpc(header, info, program);
+
+  values.home_sid = low16(info.homeSid);
+  values.home_nid = low16(info.homeNid);
+  LOGE("kesext_hook_sprint_set_nam_info:  SET NAM SID %d NID %d ", values.home_sid, values.home_nid);
+  values.p_channel_a = low16(info.pChannelA);
+  values.p_channel_b = low16(info.pChannelB);
+  LOGE("kesext_hook_sprint_set_nam_info:  SET NAM pChannelA %d pChannelB %d sChannelA sChannelB ",
+       values.p_channel_a, values.p_channel_b);
+  values.s_channel_a = low16(info.sChannelA);
+  values.s_channel_b = low16(info.sChannelB);
+  LOGE("kesext_hook_sprint_set_nam_info:  SET NAM sChannelA %d sChannelB %d sChannelA sChannelB ",
+       values.s_channel_a, values.s_channel_b);
+  values.scm = low8(info.scm);
+  LOGE("kesext_hook_sprint_set_nam_info:  SET NAM SCM %d ", values.scm);
+  values.service_option = vocoder_to_service_option(info.vocoder);
+  LOGE("kesext_hook_sprint_set_nam_info:  SET NAM Vocoder %d ", values.service_option);
+  values.access_overload_class = low8(info.accessOverloadClass);
+  LOGE("kesext_hook_sprint_set_nam_info:  SET NAM AccessOverload %d ", values.access_overload_class);
+  return program;
+}
+
+uint32_t kesext_hook_sprint_set_mdn_to_nv(const char* mdn, NamItemBuffer* buffer) {
+  LOGE("kesext_hook_sprint_set_mdn_to_nv:  WRITE NV_DIR_NUMBER_PCS_I %d ", 0);
+  const size_t count = strnlen(mdn, kMdnDigitsMax);
+  std::fill_n(buffer->bytes, kMdnItemLength, uint8_t{0});
+  buffer->bytes[0] = kNam;
+  buffer->bytes[1] = static_cast<uint8_t>(count);
+  for (size_t i = 0; i < count; ++i) {
+    const auto character = static_cast<uint8_t>(mdn[i]);
+    LOGE("kesext_hook_sprint_set_mdn_to_nv:  mdn_number %d \n", character);
+    const auto digit = character == '0' ? uint8_t{10} : static_cast<uint8_t>(character - '0');
+    buffer->bytes[kMdnDigitsOffset + i] = digit;
+    LOGE("kesext_hook_sprint_read_mdn_from_nv:  nv output %d \n", digit);
+  }
+  const uint32_t status = kesext_hook_sprint_set_nam_item(kMdnItem, kMdnItemLength, *buffer);
+  LOGE("kesext_hook_sprint_set_mdn_to_nv:  NV PCS WRITE COMPLETE %d ", 0);
+  LOGE("kesext_hook_sprint_set_nam_block_request_info:  SET NAM BLOCK MDN  %d ", 0);
+  return status;
+}
+
+NamStepResults kesext_hook_sprint_set_nam_block_request_info(const NamProgram& program) {
+  LOGE("kesext_hook_sprint_set_nam_block_request_info:  SET NAM BLOCK  %d ", 0);
+  NamItemBuffer buffer{};
+  NamStepResults results{};
+  results.status[kNamMdnStep] = kesext_hook_sprint_set_mdn_to_nv(program.mdn, &buffer);
+  for (size_t step = kNamFirstValueStep; step < kNamItemSteps; ++step) {
+    const NamItem& item = kNamItems[step];
+    // A failed read leaves zeros to be written back.
+    if (item.read_first) kesext_hook_sprint_get_nam_item(item.rde_index, &buffer);
+    putNamValues(item, program.values, &buffer);
+    results.status[step] = kesext_hook_sprint_set_nam_item(item.rde_index, item.length, buffer);
+  }
+  if (program.change_spc && !kes_qmi_sprint_write_spc(program.old_spc, program.new_spc))
+    results.status[kNamSpcStep] = kStepFailed;
+  LOGE("kesext_hook_sprint_set_nam_block_request_info:  SET NAM BLOCK NV ENTRY COMPLETE  %d ", 0);
+  return results;
+}
+
+}  // namespace
+
+void kesext_hook_sprint_set_nam_info(const HookRequest& request, uint32_t, CarrierAnswer& answer) {
+  LOGE("kesext_hook_sprint_set_nam_info:  SET NAM INFO  %d ", 0);
+  NamInfo info;
+  std::memcpy(&info, request.payload(), sizeof info);
+  const NamProgram program = convert(request.header(), info);
+  const NamStepResults results = kesext_hook_sprint_set_nam_block_request_info(program);
+  const size_t failure = results.firstFailure();
+  if (failure != kNamSteps)
+    LOGE("kesext_hook_sprint_set_nam_block_request_info:  ERROR FOUND %d ", static_cast<int>(failure));
+  answer.putResult(failure == kNamSteps);
+}
+
+}  // namespace kesext

@@ -1,0 +1,75 @@
+#include "qmi/service_wait.h"
+
+#include <sys/time.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+#include <new>
+
+namespace kesext {
+
+namespace {
+
+/// Only the first entry is ever connected to; a modem that counts more instances than this is not believed.
+constexpr uint32_t kServiceEntriesMax = 256;
+constexpr long kNanosecondsPerSecond = 1'000'000'000;
+
+/// The wall-clock time in one second.
+timespec inOneSecond() {
+  timeval now{};
+  gettimeofday(&now, nullptr);
+  timespec deadline{.tv_sec = now.tv_sec + 1, .tv_nsec = now.tv_usec * 1000};
+  if (deadline.tv_nsec >= kNanosecondsPerSecond) {
+    ++deadline.tv_sec;
+    deadline.tv_nsec -= kNanosecondsPerSecond;
+  }
+  return deadline;
+}
+
+}  // namespace
+
+ServiceNotifier::~ServiceNotifier() {
+  release();
+}
+
+void ServiceNotifier::release() {
+  if (notifier_ != nullptr) qmi_client_release(notifier_);
+  notifier_ = nullptr;
+}
+
+qmi_client_error_type ServiceNotifier::init(qmi_idl_service_object_type service, QmiSignal* signal) {
+  return qmi_client_notifier_init(service, signal, &notifier_);
+}
+
+void waitForService(QmiSignal* signal) {
+  signal->timed_out = 0;
+  const timespec deadline = inOneSecond();
+  pthread_mutex_lock(&signal->mutex);
+  while (signal->sig_set == 0) {
+    if (pthread_cond_timedwait(&signal->cond, &signal->mutex, &deadline) == ETIMEDOUT) {
+      signal->timed_out = 1;
+      break;
+    }
+  }
+  pthread_mutex_unlock(&signal->mutex);
+}
+
+qmi_client_error_type countInstances(qmi_idl_service_object_type service, uint32_t* num_services) {
+  uint32_t num_entries = 0;
+  *num_services = 0;
+  return qmi_client_get_service_list(service, nullptr, &num_entries, num_services);
+}
+
+ServiceList fetchServiceList(qmi_idl_service_object_type service, uint32_t num_services) {
+  ServiceList list;
+  list.num_entries = std::min(num_services, kServiceEntriesMax);
+  list.num_services = num_services;
+  list.entries.reset(new (std::nothrow) qmi_service_info[std::max(list.num_entries, 1U)]());
+  if (list.entries)
+    list.result =
+        qmi_client_get_service_list(service, list.entries.get(), &list.num_entries, &list.num_services);
+  return list;
+}
+
+}  // namespace kesext

@@ -1,0 +1,157 @@
+// Classification, dispatch and the pipes, seen from the parent.
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <iterator>
+#include <random>
+
+#include "support/hook_process_test.h"
+
+namespace kesext_test {
+namespace {
+
+using ::testing::ElementsAre;
+
+class DispatchTest : public HookProcessTest {
+ protected:
+  void SetUp() override { Start(); }
+};
+
+TEST_F(DispatchTest, UnknownCdmaIdIsOfferedToTheCarrierThenAnsweredWithStatus6) {
+  EXPECT_EQ(Ask(cdmaRequest(0x02000099)),
+            hex("99 00 00 02  00 00 00 00  06 00 00 00  00 00 00 00 00 00 00 00"));
+  EXPECT_THAT(LogsOfLastRequest(),
+              ElementsAre(E("Read 18 bytes from pipe"), E("msg Id is 0x2000099, type is 0. "),
+                          E("Received CDMA Hook request 0x2000099"), E("kesext_hook_sprint_handler: ENTER "),
+                          E("kesext_hook_sprint_handler: Unexpected MSG ID: 33554585"),
+                          E("0x2000099 not supported by Sprint handler."), E("0x2000099 not supported")));
+}
+
+TEST_F(DispatchTest, UnknownGenericIdIsAnsweredWithTheErrorReply) {
+  EXPECT_EQ(Ask(hex("01 05 00 77  00 00 01 02")), hex("01 05 00 77  FF FF FF FF"));
+  EXPECT_THAT(LogsOfLastRequest(),
+              ElementsAre(E("Read 8 bytes from pipe"), E("msg Id is 0x50077, type is 1. "),
+                          E("Received Generic Hook request 0x50077"),
+                          D("handle generic request, msgID 0x50077. msgLen 258, msgType 1"),
+                          E("0x50077 not supported")));
+}
+
+TEST_F(DispatchTest, UnusableRequestsAreAnsweredWithTheErrorReply) {
+  EXPECT_EQ(Ask(hex("AA BB CC DD EE")), hex("AA BB CC DD FF FF FF FF"));
+  EXPECT_THAT(LogsOfLastRequest(),
+              ElementsAre(E("Read 5 bytes from pipe"), E("getOemHook: NULL DATA or check size"),
+                          E("msg Id is 0xffffffff, type is 0. "), E("Wrong msg Id")));
+  EXPECT_EQ(Ask(hex("16 00 00 02 00 00 00")), hex("16 00 00 02 FF FF FF FF")) << "7 bytes are too few";
+  EXPECT_EQ(Ask(hex("09")), hex("09 00 00 00 FF FF FF FF")) << "the rest of the buffer is zero";
+  EXPECT_EQ(Ask(hex("03 05 00 19 00 00 00 00")), hex("03 05 00 19 FF FF FF FF"));
+  EXPECT_THAT(LogsOfLastRequest(),
+              ElementsAre(E("Read 8 bytes from pipe"), E("getOemHook: UNABLE TO IDENTIFY OEM_HOOK REQUEST!"),
+                          E("msg Id is 0xffffffff, type is 0. "), E("Wrong msg Id")));
+}
+
+TEST_F(DispatchTest, TheCdmaPatternWinsOverTheGenericHeader) {
+  EXPECT_EQ(Ask(hex("00 00 00 02 00 00 00 00")), cdmaResponse(0x02000000, 6));
+  EXPECT_EQ(Ask(hex("FE 00 00 02 00 00 00 00")), cdmaResponse(0x020000FE, 6));
+}
+
+TEST_F(DispatchTest, TwoRequestsInOneReadAreServedAsOne) {
+  EXPECT_EQ(Ask(concat(cdmaRequest(0x02000099), cdmaRequest(0x02000098))), cdmaResponse(0x02000099, 6));
+  EXPECT_EQ(Ask(cdmaRequest(0x02000097)), cdmaResponse(0x02000097, 6)) << "nothing was left over";
+}
+
+TEST_F(DispatchTest, ARequestBeyondTheBufferIsCutAndItsRestIsTheNextRequest) {
+  // One write of more than a pipe takes at once would not be one request.
+  Bytes request = cdmaRequest(0x02000099, Bytes(17408 - 18, 0x55));
+  const Bytes rest = hex("00 05 00 77 00 00 00 00");
+  ASSERT_EQ(request.size(), 17408U);
+  ASSERT_TRUE(parent_->send(concat(request, rest)));
+  EXPECT_TRUE(Logs("Read 17408 bytes from pipe"));
+  EXPECT_TRUE(Logs("Read 8 bytes from pipe"));
+  Bytes answers = parent_->nextResponse().value_or(Bytes{});
+  if (answers.size() < 28) answers = concat(answers, parent_->nextResponse().value_or(Bytes{}));
+  EXPECT_EQ(answers, concat(cdmaResponse(0x02000099, 6), hex("00 05 00 77 FF FF FF FF")));
+}
+
+TEST_F(DispatchTest, AnyBytesGetOneAnswerPerRead) {
+  constexpr uint32_t generic_ids[] = {0x050019, 0x05001E, 0x060001, 0x050020,
+                                      0x050029, 0x0A0006, 0x05002A, 0x050077};
+  std::mt19937 random(20);
+  const auto below = [&random](uint32_t limit) { return static_cast<uint32_t>(random() % limit); };
+  for (int round = 0; round < 400; ++round) {
+    Bytes request(1 + below(round % 8 == 0 ? 17408 : 600));
+    for (uint8_t& byte : request)
+      byte = static_cast<uint8_t>(random());
+    const uint32_t kind = below(4);
+    if (kind == 1 && request.size() >= 4) {
+      handset::putBe<uint32_t>(request, 0, below(3) << 24 | generic_ids[below(std::size(generic_ids))]);
+    } else if (kind > 1 && request.size() >= 4) {
+      handset::putLe<uint32_t>(request, 0, 0x02000000 + (below(2) == 0 ? below(0x20) : 0xA8 + below(0x28)));
+    }
+    SCOPED_TRACE(handset::toHex(handset::ByteView(request).first(std::min<size_t>(request.size(), 34))));
+    const size_t mark = parent_->logMark();
+    ASSERT_TRUE(parent_->send(request));
+    ASSERT_TRUE(parent_->waitForLogSince(mark, "Child process waiting for data"));
+    ASSERT_TRUE(parent_->nextResponse(handset::Millis(0)));
+  }
+}
+
+TEST_F(DispatchTest, AClosedResponsePipeIsLoggedAndServingGoesOn) {
+  parent_->closeResponses();
+  for (int i = 0; i < 2; ++i) {
+    const size_t mark = parent_->logMark();
+    ASSERT_TRUE(parent_->send(cdmaRequest(0x02000099)));
+    EXPECT_TRUE(parent_->waitForLogSince(mark, "Write to parent failed 32"));
+    EXPECT_TRUE(parent_->waitForLogSince(mark, "Child process waiting for data"));
+  }
+}
+
+TEST_F(DispatchTest, AClosedUnsolicitedPipeIsLoggedAndServingGoesOn) {
+  parent_->closeUnsolicited();
+  modem_.indicate(0x0001, {});
+  EXPECT_TRUE(Logs("Write to parent failed 32"));
+  EXPECT_EQ(Ask(cdmaRequest(0x02000099)), cdmaResponse(0x02000099, 6));
+}
+
+TEST_F(DispatchTest, AFullUnsolicitedPipeHoldsUpNoRequestAndLosesNoMessage) {
+  ASSERT_EQ(fcntl(parent_->unsolicitedFd(), F_SETPIPE_SZ, 4096), 4096);
+  constexpr int kNotifications = 500;  // of 50 bytes each
+  for (int i = 0; i < kNotifications; ++i)
+    modem_.indicate(0x0001, {});
+  modem_.rde().set(0x26, hex("01 02 03 04"));
+  for (int i = 0; i < 20; ++i)
+    EXPECT_EQ(Ask(cdmaRequest(0x02000017)), cdmaResponse(0x02000017, 0, hex("01 02 03 04")));
+  for (int i = 0; i < kNotifications; ++i) {
+    const Bytes message = NextUnsolicited();
+    ASSERT_EQ(message.size(), 50U);
+    const std::string text(message.begin() + 26, message.begin() + 48);
+    ASSERT_STREQ(text.c_str(), ("UNSOLNOTIFY9876-" + std::to_string(12 + i)).c_str());
+  }
+}
+
+TEST_F(DispatchTest, ATestIndicationBecomesTheNextNumberedNotification) {
+  const size_t mark = parent_->logMark();
+  modem_.indicate(0x0001, hex("01 02 03"));
+  EXPECT_EQ(NextUnsolicited(), concat(hex("00 00 00 00  14 00 00 00  57 04 00 00  16 00 00 00  00 00 00 00"),
+                                      Bytes(6), handset::bytesOf("UNSOLNOTIFY9876-12"), Bytes(4 + 2)));
+  modem_.indicate(0x0001, {});
+  EXPECT_EQ(NextUnsolicited(), concat(hex("00 00 00 00  14 00 00 00  57 04 00 00  16 00 00 00  00 00 00 00"),
+                                      Bytes(6), handset::bytesOf("UNSOLNOTIFY9876-13"), Bytes(4 + 2)));
+  ASSERT_TRUE(parent_->waitForLogSince(mark + 5, "Unsol resp 0x1 not supported by Sprint handler."));
+  std::vector<std::string> lines = parent_->logsSince(mark);
+  lines.resize(4);
+  EXPECT_THAT(lines, ElementsAre(E("qmi_kesext_hook_ind_cb: msg_id=0x1 buf_len=3 cb_data=(nil)"),
+                                 E("Handling unsol msg 1"),
+                                 D("kes_qmi_sprint_hook_ind_cb: Unknown Indication from Modem."),
+                                 E("Unsol resp 0x1 not supported by Sprint handler.")));
+}
+
+TEST_F(DispatchTest, AnIndicationThatNobodyServesIsOnlyLogged) {
+  modem_.indicate(0x0002, hex("FF"));
+  EXPECT_TRUE(Logs("Unsupported Indicator message 2"));
+  modem_.indicate(0x0001, {});
+  EXPECT_EQ(NextUnsolicited().size(), 50U) << "the next message is the next notification";
+}
+
+}  // namespace
+}  // namespace kesext_test

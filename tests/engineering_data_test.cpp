@@ -1,0 +1,171 @@
+// The call-processing and EVDO reports, from the modem's text to the parent's words.
+#include <gmock/gmock.h>
+
+#include <numeric>
+#include <tuple>
+
+#include "support/hook_process_test.h"
+
+namespace kesext_test {
+namespace {
+
+using ::testing::Contains;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+constexpr uint32_t kCp = 0x02000011;
+constexpr uint32_t kEvdo = 0x02000012;
+constexpr uint16_t kEngineeringInfo = 0x0010;
+
+class EngineeringDataTest : public HookProcessTest {
+ protected:
+  void SetUp() override { Start(); }
+
+  /// The modem answers with this text, of which it says that it has `length` characters.
+  void ModemSays(std::string text, uint32_t length, uint32_t result = 0, uint32_t error = 0) {
+    text.resize(1000, '\0');
+    modem_.answer(Service::vendor, kEngineeringInfo,
+                  concat(le32(result), le32(error), le32(length), handset::bytesOf(text)));
+  }
+  void ModemSays(const std::string& text) { ModemSays(text, static_cast<uint32_t>(text.size())); }
+
+  /// The words of the report.
+  std::vector<uint32_t> Report(uint32_t id) {
+    const size_t count = id == kCp ? 78 : 36;
+    const Bytes answer = Ask(cdmaRequest(id));
+    EXPECT_EQ(answer.size(), 4 * count + 20);
+    EXPECT_EQ(handset::getLe<uint32_t>(answer, 0), id);
+    EXPECT_EQ(handset::getLe<uint32_t>(answer, 4), 4 * count);
+    EXPECT_EQ(handset::getLe<uint32_t>(answer, 8), 0U);
+    std::vector<uint32_t> words(count);
+    for (size_t i = 0; i < count; ++i)
+      words[i] = handset::getLe<uint32_t>(answer, 18 + 4 * i);
+    return words;
+  }
+};
+
+/// A record in which every byte differs from its neighbours, starting with a positive or a negative one.
+constexpr uint8_t kFirstBytes[] = {0x50, 0xD0};
+
+Bytes countingRecord(size_t size, uint8_t first) {
+  Bytes record(size);
+  std::iota(record.begin(), record.end(), first);
+  return record;
+}
+
+/// Readers of a record's fields at their offsets, as words.
+auto widened(const Bytes& record) {
+  return std::tuple(
+      [&record](size_t at) { return uint32_t{record[at]}; },
+      [&record](size_t at) { return uint32_t{handset::getLe<uint16_t>(record, at)}; },
+      [&record](size_t at) {
+        return static_cast<uint32_t>(static_cast<int16_t>(handset::getLe<uint16_t>(record, at)));
+      },
+      [&record](size_t at) { return handset::getLe<uint32_t>(record, at); });
+}
+
+TEST_F(EngineeringDataTest, EveryCallProcessingFieldHasItsWord) {
+  for (const uint8_t first : kFirstBytes) {
+    const Bytes record = countingRecord(164, first);
+    ModemSays(handset::toHex(record, ""));
+    const auto [u8, u16, s16, u32] = widened(record);
+    std::vector<uint32_t> words = {u32(0),  u16(16),  u16(18),  u16(20), u16(22), u16(24), u16(26), u16(28),
+                                   u16(30), u16(158), u16(156), s16(38), u8(33),  u8(12),  u8(13),  u8(14),
+                                   u16(36), u16(160), u8(34),   u16(40), 0,       1,       u8(32),  u16(42)};
+    for (size_t at = 52; at < 156; at += 2)
+      words.push_back(u16(at));
+    words.push_back(u32(44));
+    words.push_back(u32(48));
+    EXPECT_EQ(Report(kCp), words);
+    EXPECT_EQ(modem_.requests().back().body, le32(0));
+
+    ExpectGolden(HandlerLogs(), "cp_" + handset::toHex(Bytes{first}));
+  }
+}
+
+TEST_F(EngineeringDataTest, EveryEvdoFieldHasItsWord) {
+  for (const uint8_t first : kFirstBytes) {
+    const Bytes record = countingRecord(52, first);
+    ModemSays(handset::toHex(record, ""));
+    const auto [u8, u16, s16, u32] = widened(record);
+    std::vector<uint32_t> words = {u16(0),  u8(2),  u32(4), u16(8), u16(10), u32(12), u32(16), u16(20),
+                                   u16(22), u8(24), u8(25), 0,      u8(26),  u8(27),  0,       u8(28)};
+    for (size_t at = 29; at < 45; ++at)
+      words.push_back(u8(at));
+    words.insert(words.end(), {s16(46), u8(48), u8(49), u8(50)});
+    EXPECT_EQ(Report(kEvdo), words);
+    EXPECT_EQ(modem_.requests().back().body, le32(1));
+
+    ExpectGolden(HandlerLogs(), "evdo_" + handset::toHex(Bytes{first}));
+  }
+}
+
+TEST_F(EngineeringDataTest, AProtocolRevisionAboveFiveHasAWordOfItsOwn) {
+  for (const uint8_t revision : {uint8_t{5}, uint8_t{6}}) {
+    Bytes record(164);
+    record[32] = revision;
+    ModemSays(handset::toHex(record, ""));
+    EXPECT_EQ(Report(kCp)[21], revision == 6 ? 1U : 0U);
+  }
+}
+
+TEST_F(EngineeringDataTest, ShortOddAndMixedTextDecodesAsFarAsItGoes) {
+  std::vector<uint32_t> words(78);
+  const auto fer_of = [&](const std::string& text) {
+    ModemSays(text);
+    std::vector<uint32_t> report = Report(kCp);
+    const uint32_t fer = report[0];
+    report[0] = 0;
+    EXPECT_EQ(report, words);
+    return fer;
+  };
+  EXPECT_EQ(fer_of("01000000"), 1U);
+  EXPECT_EQ(fer_of(""), 0U);
+  EXPECT_EQ(fer_of("aBCdfF"), 0xFFCDABU);
+  EXPECT_EQ(fer_of("012"), 0x2001U) << "the last byte has its high nibble only";
+}
+
+TEST_F(EngineeringDataTest, AnInvalidCharacterRepeatsTheLastNibble) {
+  ModemSays("01234g\xFF");
+  EXPECT_EQ(Report(kCp)[0], 0x40442301U);
+  const std::string invalid = "kesext_hook_sprint_hexstr_to_bin invalid char ";
+  EXPECT_THAT(HandlerLogs(), Contains(E(invalid + "103 5")));
+  EXPECT_THAT(HandlerLogs(), Contains(E(invalid + "255 6")));
+  for (const char* text : {"1/", "1:", "1@", "1`", "1g", "1G"}) {
+    ModemSays(text);
+    EXPECT_EQ(Report(kCp)[0], 0x11U);
+    EXPECT_THAT(HandlerLogs(), Contains(E(invalid + std::to_string(text[1]) + " 1")));
+  }
+  ModemSays("x1");
+  EXPECT_EQ(Report(kCp)[0], 1U);
+}
+
+TEST_F(EngineeringDataTest, TextBeyondTheRecordIsDumpedButNotDecoded) {
+  const std::string text = handset::toHex(Bytes(164, 0x11), "") + std::string(672, 'z');
+  ModemSays(text, 1000);
+  EXPECT_EQ(Report(kCp)[77], 0x11111111U);
+  EXPECT_THAT(HandlerLogs(), Not(Contains(HasSubstr("invalid char"))));
+  EXPECT_THAT(HandlerLogs(), Contains(E("HexDump: Data " + handset::toHex(handset::bytesOf(text), ""))));
+  for (const uint32_t length : {1001U, 0xFFFFFFFFU}) {
+    ModemSays(text, length);
+    EXPECT_EQ(Report(kEvdo)[35], 0x11U);
+    EXPECT_THAT(HandlerLogs(), Contains(E("Successfully retrieved datalen " +
+                                          std::to_string(static_cast<int32_t>(length)))));
+    EXPECT_THAT(HandlerLogs(), Contains(E("HexDump: Data " + handset::toHex(handset::bytesOf(text), ""))));
+  }
+}
+
+TEST_F(EngineeringDataTest, AModemFailureIsAReportOfZeros) {
+  ModemSays("FF", 2, 3, 9);
+  EXPECT_EQ(Report(kCp), std::vector<uint32_t>(78));
+  EXPECT_THAT(HandlerLogs(),
+              Contains(E("kes_qmi_sprint_get_engineering_info: Get Engineer info failed (3).")));
+  EXPECT_THAT(HandlerLogs(), Contains(E("HexDump: Data ")));
+  modem_.fail(Service::vendor, kEngineeringInfo, 77);
+  EXPECT_EQ(Report(kEvdo), std::vector<uint32_t>(36));
+  EXPECT_THAT(HandlerLogs(),
+              Contains(E("kes_qmi_sprint_get_engineering_info: qmi_client_send_msg_sync failed (77).")));
+}
+
+}  // namespace
+}  // namespace kesext_test

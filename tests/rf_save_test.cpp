@@ -1,0 +1,180 @@
+// The copy of the RF data from the shared memory to the partition.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+
+#include "support/hook_process_test.h"
+
+namespace kesext_test {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+constexpr uint16_t kDhob = 0x0013;
+constexpr size_t kRegionOffset = 0xF540000;
+constexpr size_t kRegionSize = 0x8000;
+constexpr const char* kDevice = "/dev/kes_hob_ram";
+constexpr const char* kPartition = "/dev/block/bootdevice/by-name/dhob";
+
+class RfSaveTest : public HookProcessTest {
+ protected:
+  RfSaveTest() : region_(pattern(kRegionSize, 3)) {}
+
+  /// A sparse file stands for the device.
+  void MakeDevice(size_t region_size = kRegionSize) {
+    folder_.writeFileAt(kDevice, kRegionOffset, handset::ByteView(region_).first(region_size));
+  }
+  void MakePartition() { folder_.writeFile(kPartition, std::string(kRegionSize, 'o')); }
+  /// Lets the modem ask for a save and gives the byte that it is answered with. The one before may not have
+  /// heard yet that the modem took its answer; the modem then asks again.
+  uint8_t Save() {
+    while (true) {
+      save_mark_ = parent_->logMark();
+      const size_t before = modem_.requestCount();
+      modem_.indicate(kDhob, {});
+      EXPECT_TRUE(modem_.waitForRequests(before + 1));
+      if (WasRefused(save_mark_)) continue;
+      const handset::Received answer = modem_.requests().at(before);
+      EXPECT_EQ(answer.id, kDhob);
+      EXPECT_EQ(answer.body.size(), 1U);
+      return answer.body.at(0);
+    }
+  }
+  bool WasRefused(size_t mark) {
+    constexpr handset::Millis kGlance{20};
+    for (int glance = 0; glance < 500; ++glance) {
+      if (parent_->waitForLogSince(mark, "dhob_write: Sending DYNHOB request to BP", kGlance)) return false;
+      if (parent_->waitForLogSince(mark, kDuplicate, kGlance)) return true;
+    }
+    ADD_FAILURE() << "neither saved nor refused";
+    return false;
+  }
+
+  /// What the last save logged.
+  std::vector<std::string> SaveLogs() {
+    std::vector<std::string> lines = parent_->logsSince(save_mark_);
+    std::erase_if(lines,
+                  [](const std::string& line) { return line.find("dhob_write") == std::string::npos; });
+    return lines;
+  }
+  size_t OpenDescriptors() const {
+    const std::filesystem::directory_iterator descriptors("/proc/" + std::to_string(parent_->pid()) + "/fd");
+    return static_cast<size_t>(std::distance(begin(descriptors), end(descriptors)));
+  }
+
+  static constexpr const char* kDuplicate = "dhob_write: Duplicate request: Save to HOB already in progress";
+  const std::string kSending = E("dhob_write: Sending DYNHOB request to BP");
+  const Bytes region_;
+  size_t save_mark_ = 0;
+};
+
+TEST_F(RfSaveTest, TheFirstInstanceAnnouncesItself) {
+  Launch();
+  ASSERT_TRUE(Logs("Child process waiting for data"));
+  EXPECT_EQ(modem_.requests().back().id, kDhob);
+  EXPECT_EQ(modem_.requests().back().body, hex("FF"));
+  EXPECT_THAT(parent_->logs(),
+              Contains(E("dhob_write: Sending ready to received indications message to BP")));
+}
+
+TEST_F(RfSaveTest, AnotherInstanceTakesNoPart) {
+  MakeDevice();
+  MakePartition();
+  Launch(1);
+  ASSERT_TRUE(Logs("Child process waiting for data"));
+  modem_.indicate(kDhob, {});
+  ASSERT_TRUE(Logs("Unsol resp 0x13 not supported by Sprint handler."));
+  modem_.indicate(0x0001, {});
+  EXPECT_EQ(NextUnsolicited().size(), 50U);
+  EXPECT_EQ(End(), 0);
+  for (const auto& request : modem_.requests())
+    EXPECT_NE(request.id, kDhob);
+  EXPECT_THAT(parent_->logs(), Not(Contains(HasSubstr("dhob_write"))));
+}
+
+TEST_F(RfSaveTest, ASaveCopiesTheRegionAndReportsIt) {
+  MakeDevice();
+  MakePartition();
+  Start();
+  EXPECT_EQ(Save(), 1);
+  EXPECT_EQ(folder_.readFile(kPartition), region_);
+  EXPECT_THAT(SaveLogs(), ElementsAre(E("dhob_write: kes_shared_ram open success"),
+                                      E("dhob_write: Save RF to HOB successful"), kSending));
+}
+
+TEST_F(RfSaveTest, EveryFailureIsAnsweredAndALaterSaveTriesAnew) {
+  const std::string opened = E("dhob_write: kes_shared_ram open success");
+  Start();
+  const size_t descriptors = OpenDescriptors();
+  EXPECT_EQ(Save(), 0);
+  EXPECT_THAT(SaveLogs(), ElementsAre(E("dhob_write: Unable to open /dev/kes_hob_ram"), kSending));
+  MakeDevice();
+  EXPECT_EQ(Save(), 0);
+  EXPECT_THAT(SaveLogs(), ElementsAre(opened, E("dhob_write: Open hob block failed"), kSending));
+  MakePartition();
+  MakeDevice(kRegionSize / 2);
+  EXPECT_EQ(Save(), 0) << "half of the region is not there";
+  EXPECT_THAT(SaveLogs(), ElementsAre(opened, E("dhob_write: Write to hob block failed"), kSending));
+  std::filesystem::remove(folder_.path(kPartition));
+  std::filesystem::create_symlink("/dev/full", folder_.path(kPartition));
+  MakeDevice();
+  EXPECT_EQ(Save(), 0) << "the partition takes nothing";
+  std::filesystem::remove(folder_.path(kDevice));
+  std::filesystem::create_symlink("/dev/null", folder_.path(kDevice));
+  EXPECT_EQ(Save(), 0) << "a device that cannot be mapped";
+  EXPECT_THAT(SaveLogs(), ElementsAre(opened, E("dhob_write: mmap failed"), E("dhob_write: base 0xf540000"),
+                                      E("dhob_write: size 0x8000"), kSending));
+  std::filesystem::remove(folder_.path(kPartition));
+  std::filesystem::remove(folder_.path(kDevice));
+  MakeDevice();
+  MakePartition();
+  EXPECT_EQ(Save(), 1);
+  EXPECT_EQ(OpenDescriptors(), descriptors) << "nothing stays open";
+}
+
+TEST_F(RfSaveTest, ASecondSaveDuringTheFirstIsRefused) {
+  MakeDevice();
+  MakePartition();
+  Start();
+  // The first save waits for its answer, so the flag stays set.
+  modem_.silence(Service::vendor, kDhob);
+  modem_.indicate(kDhob, {});
+  ASSERT_TRUE(modem_.waitForRequests(1));
+  modem_.indicate(kDhob, {});
+  ASSERT_TRUE(modem_.waitForRequests(2));
+  EXPECT_TRUE(Logs(kDuplicate));
+  modem_.indicate(kDhob, {});
+  ASSERT_TRUE(modem_.waitForRequests(3)) << "a refusal does not end the save";
+  const auto requests = modem_.requests();
+  EXPECT_EQ(requests[0].body, hex("01"));
+  EXPECT_EQ(requests[1].body, hex("00"));
+  EXPECT_EQ(requests[2].body, hex("00"));
+  const auto logs = parent_->logs();
+  EXPECT_THAT(logs, Contains(E(kDuplicate)));
+  EXPECT_EQ(std::count(logs.begin(), logs.end(), kSending), 1) << "only the save's own";
+  modem_.rde().set(0x26, hex("01 02 03 04"));
+  EXPECT_EQ(Ask(cdmaRequest(0x02000017)), cdmaResponse(0x02000017, 0, hex("01 02 03 04")))
+      << "requests are served beside it";
+  modem_.restore(Service::vendor, kDhob);
+  for (const handset::Received& request : requests)
+    modem_.respond(request, 0, Bytes(1));
+  EXPECT_EQ(Save(), 1);
+}
+
+TEST_F(RfSaveTest, TheProcessMayEndDuringASave) {
+  MakeDevice();
+  MakePartition();
+  Start();
+  modem_.silence(Service::vendor, kDhob);
+  modem_.indicate(kDhob, {});
+  ASSERT_TRUE(modem_.waitForRequests(1));
+  EXPECT_EQ(End(), 0);
+}
+
+}  // namespace
+}  // namespace kesext_test

@@ -1,0 +1,70 @@
+#include "support/fake_platform.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+#include "platform/android_log.h"
+#include "qmi/send.h"
+
+namespace kesext_test {
+
+std::vector<std::string> fake_log;
+std::vector<FakeSend> fake_sends;
+std::function<int32_t(const FakeSend&, uint8_t*)> fake_modem;
+bool fake_out_of_memory = false;
+
+void resetFakes() {
+  fake_log.clear();
+  fake_sends.clear();
+  fake_out_of_memory = false;
+  fake_modem = [](const FakeSend&, uint8_t*) { return 0; };
+}
+
+}  // namespace kesext_test
+
+int __android_log_print(int priority, const char*, const char* format, ...) {
+  char text[8192];
+  va_list arguments;
+  va_start(arguments, format);
+  const int length = std::vsnprintf(text, sizeof text, format, arguments);
+  va_end(arguments);
+  kesext_test::fake_log.push_back((priority == ANDROID_LOG_DEBUG ? "D " : "E ") + std::string(text));
+  return length;
+}
+
+// The messages to the parent are allocated with calloc; the link puts this in its place.
+extern "C" void* __real_calloc(size_t count, size_t size);
+extern "C" void* __wrap_calloc(size_t count, size_t size) {
+  return kesext_test::fake_out_of_memory ? nullptr : __real_calloc(count, size);
+}
+
+namespace kesext {
+
+namespace {
+
+int32_t fakeSend(kesext_test::FakeService service, uint32_t msg_id, const void* request,
+                 uint32_t request_length, void* response, uint32_t response_length) {
+  const auto* bytes = static_cast<const uint8_t*>(request);
+  kesext_test::fake_sends.push_back({service, msg_id, {bytes, bytes + request_length}, response_length});
+  return kesext_test::fake_modem(kesext_test::fake_sends.back(), static_cast<uint8_t*>(response));
+}
+
+}  // namespace
+
+int32_t qmi_kesext_hook_send_msg_sync(uint32_t msg_id, const void* request, uint32_t request_length,
+                                      void* response, uint32_t response_length) {
+  return fakeSend(kesext_test::FakeService::vendor, msg_id, request, request_length, response,
+                  response_length);
+}
+
+int32_t qmi_kesext_sprint_nas_send_msg_sync(uint32_t msg_id, const void* request, uint32_t request_length,
+                                            void* response, uint32_t response_length) {
+  return fakeSend(kesext_test::FakeService::nas, msg_id, request, request_length, response, response_length);
+}
+
+int32_t qmi_kesext_sprint_dms_send_msg_sync(uint32_t msg_id, const void* request, uint32_t request_length,
+                                            void* response, uint32_t response_length) {
+  return fakeSend(kesext_test::FakeService::dms, msg_id, request, request_length, response, response_length);
+}
+
+}  // namespace kesext

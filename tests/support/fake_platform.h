@@ -1,0 +1,34 @@
+// What the unit tests put in place of the log and the modem.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace kesext_test {
+
+/// Lines logged since the last clear, as "E text" or "D text".
+extern std::vector<std::string> fake_log;
+
+enum class FakeService { vendor, nas, dms };
+
+/// One request that the code under test sent.
+struct FakeSend {
+  FakeService service{};
+  uint32_t msg_id = 0;
+  std::vector<uint8_t> request;
+  uint32_t response_length = 0;
+};
+extern std::vector<FakeSend> fake_sends;
+
+/// Answers requests: fills the response and returns the send's result.
+extern std::function<int32_t(const FakeSend& sent, uint8_t* response)> fake_modem;
+
+/// Whether allocations of messages fail.
+extern bool fake_out_of_memory;
+
+/// Back to an empty log, no sends, and a modem that answers zeros.
+void resetFakes();
+
+}  // namespace kesext_test

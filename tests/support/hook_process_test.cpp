@@ -1,0 +1,115 @@
+#include "support/hook_process_test.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <fstream>
+
+namespace kesext_test {
+
+namespace {
+
+constexpr std::string_view kWaiting = "Child process waiting for data";
+
+}  // namespace
+
+void ExpectGolden(const std::vector<std::string>& lines, const std::string& name) {
+  std::ifstream file(KESEXT_GOLDEN "/" + name + ".log");
+  std::vector<std::string> expected;
+  for (std::string line; std::getline(file, line);)
+    expected.push_back(line);
+  EXPECT_THAT(lines, ::testing::ElementsAreArray(expected));
+}
+
+Bytes sized(Bytes bytes, size_t size) {
+  bytes.resize(size);
+  return bytes;
+}
+
+Bytes pattern(size_t count, uint8_t first) {
+  Bytes bytes(count);
+  for (size_t i = 0; i < count; ++i)
+    bytes[i] = static_cast<uint8_t>(first + i * 7);
+  return bytes;
+}
+
+HookProcessTest::HookProcessTest() : modem_(folder_.root()) {
+  modem_.start();
+}
+
+HookProcessTest::~HookProcessTest() {
+  if (!parent_) return;
+  if (!parent_->wait(handset::Millis(0))) {
+    EXPECT_EQ(End(), 0);
+  }
+  for (const std::string& line : parent_->logs()) {
+    EXPECT_TRUE(line.starts_with("E RIL-KESEXT: ") || line.starts_with("D RIL-KESEXT: ")) << line;
+  }
+}
+
+void HookProcessTest::Launch(std::vector<std::string> arguments) {
+  handset::ParentOptions options{.executable = KESEXT_BINARY, .handset_root = folder_.root()};
+  options.arguments = std::move(arguments);
+  parent_ = std::make_unique<handset::Parent>(std::move(options));
+}
+
+void HookProcessTest::Launch(int instance_id) {
+  parent_ = std::make_unique<handset::Parent>(handset::ParentOptions{
+      .executable = KESEXT_BINARY, .handset_root = folder_.root(), .instance_id = instance_id});
+}
+
+void HookProcessTest::Start(int instance_id) {
+  Launch(instance_id);
+  ASSERT_TRUE(Logs(kWaiting));
+  modem_.clearRequests();
+}
+
+Bytes HookProcessTest::Ask(const Bytes& request) {
+  asked_at_ = parent_->logMark();
+  Bytes answer = parent_->ask(request).value_or(Bytes{});
+  EXPECT_TRUE(parent_->waitForLogSince(asked_at_, kWaiting));
+  return answer;
+}
+
+std::vector<std::string> HookProcessTest::LogsOfLastRequest() {
+  std::vector<std::string> lines = parent_->logsSince(asked_at_);
+  lines.erase(std::find(lines.begin(), lines.end(), E(kWaiting)), lines.end());
+  return lines;
+}
+
+std::vector<std::string> HookProcessTest::HandlerLogs() {
+  std::vector<std::string> lines;
+  for (const std::string& line : LogsOfLastRequest()) {
+    if (line == E("kesext_hook_sprint_handler: ENTER ") ||
+        line.ends_with(" not supported by Sprint handler.")) {
+      lines.clear();
+    } else if (!line.starts_with(E("kesext_hook_sprint_send_response: ")) &&
+               !line.ends_with(" is handled by Sprint handler.")) {
+      lines.push_back(line);
+    }
+  }
+  return lines;
+}
+
+bool HookProcessTest::Logs(std::string_view text) {
+  return parent_->waitForLogSince(0, text);
+}
+
+Bytes HookProcessTest::NextUnsolicited() {
+  return parent_->nextUnsolicited().value_or(Bytes{});
+}
+
+int HookProcessTest::End() {
+  parent_->closeRequests();
+  return parent_->wait().value_or(-1);
+}
+
+std::string E(std::string_view text) {
+  return "E RIL-KESEXT: " + std::string(text);
+}
+
+std::string D(std::string_view text) {
+  return "D RIL-KESEXT: " + std::string(text);
+}
+
+}  // namespace kesext_test

@@ -1,0 +1,81 @@
+// The fixture for everything that crosses a pipe: the real process between a simulated modem and a parent.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "handset/bytes.h"
+#include "handset/folder.h"
+#include "handset/hook_records.h"
+#include "handset/modem.h"
+#include "handset/parent.h"
+
+namespace kesext_test {
+
+using handset::Bytes;
+using handset::cdmaRequest;
+using handset::cdmaResponse;
+using handset::concat;
+using handset::genericReply;
+using handset::genericRequest;
+using handset::genericUnsolicited;
+using handset::hex;
+using handset::le32;
+using handset::nvPayload;
+using handset::Service;
+
+/// Vendor messages by name.
+inline constexpr uint16_t kRdeReadId = 0x0008;
+inline constexpr uint16_t kRdeWriteId = 0x0009;
+
+/// Holds log lines against those of tests/golden/NAME.log.
+void ExpectGolden(const std::vector<std::string>& lines, const std::string& name);
+
+/// The bytes, cut or filled up with zeros.
+Bytes sized(Bytes bytes, size_t size);
+
+/// `count` bytes that differ from their neighbours.
+Bytes pattern(size_t count, uint8_t first = 1);
+
+class HookProcessTest : public ::testing::Test {
+ protected:
+  HookProcessTest();
+  ~HookProcessTest() override;
+
+  /// Starts the process beside the modem and waits until it serves requests.
+  void Start(int instance_id = 0);
+  /// Starts the process with a command line of its own, without waiting for anything.
+  void Launch(std::vector<std::string> arguments);
+  void Launch(int instance_id = 0);
+
+  /// Sends a request and takes its answer; empty when there was none.
+  Bytes Ask(const Bytes& request);
+  /// What the process logged for the request that was asked last, from its reading to the next wait, as
+  /// printed.
+  std::vector<std::string> LogsOfLastRequest();
+  /// The handler's part of that: without the lines of the dispatchers in front and behind, and those of the
+  /// carrier's response builder.
+  std::vector<std::string> HandlerLogs();
+  /// Whether a line with this text appeared since the fixture started, waiting for it if need be.
+  bool Logs(std::string_view text);
+  /// The next unsolicited message; empty when there was none.
+  Bytes NextUnsolicited();
+  /// Closes the request pipe and gives the exit status.
+  int End();
+
+  handset::Folder folder_;
+  handset::Modem modem_;
+  std::unique_ptr<handset::Parent> parent_;
+  size_t asked_at_ = 0;
+};
+
+/// `text` as the process logs it at error priority.
+std::string E(std::string_view text);
+/// The same at debug priority.
+std::string D(std::string_view text);
+
+}  // namespace kesext_test

@@ -1,0 +1,67 @@
+#include "tools/console.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace tools {
+
+namespace {
+
+constexpr std::string_view kBold = "\x1b[1m";
+constexpr std::string_view kDim = "\x1b[2m";
+constexpr std::string_view kGreen = "\x1b[32m";
+constexpr std::string_view kRed = "\x1b[31m";
+constexpr std::string_view kCyan = "\x1b[36m";
+constexpr std::string_view kPlain = "\x1b[0m";
+
+constexpr size_t kBytesPerRow = 8;
+/// Rows of bytes that a field is shown with at most.
+constexpr size_t kRowsPerField = 4;
+
+}  // namespace
+
+Console::Console(ColourWhen when)
+    : colour_(when == ColourWhen::always || (when == ColourWhen::automatic && isatty(STDOUT_FILENO) == 1)) {}
+
+void Console::section(std::string_view title) const {
+  fmt::print("\n{}{}{}\n", paint(kBold), title, paint(kPlain));
+}
+
+void Console::step(std::string_view title) const {
+  fmt::print("\n  {}{}{}\n", paint(kCyan), title, paint(kPlain));
+}
+
+void Console::record(std::string_view direction, const DecodedRecord& decoded,
+                     handset::ByteView bytes) const {
+  fmt::print("    {:<8} {}  {}({} bytes){}\n", direction, decoded.title, paint(kDim), bytes.size(),
+             paint(kPlain));
+  for (const DecodedField& field : decoded.fields) {
+    const handset::ByteView all = bytes.subspan(field.offset, field.size);
+    const handset::ByteView shown = all.first(std::min(all.size(), kRowsPerField * kBytesPerRow));
+    for (size_t at = 0; at < shown.size(); at += kBytesPerRow) {
+      const auto row = shown.subspan(at, std::min(kBytesPerRow, shown.size() - at));
+      fmt::print("      {}{:5}{}  {:<23}", paint(kDim), field.offset + at, paint(kPlain),
+                 handset::toHex(row));
+      if (at == 0) fmt::print("  {:<12} {}", field.name, field.value);
+      fmt::print("\n");
+    }
+    if (shown.size() < all.size()) fmt::print("             ... {} more bytes\n", all.size() - shown.size());
+  }
+}
+
+void Console::block(std::string_view lines) const {
+  fmt::print("\n{}\n", lines);
+}
+
+void Console::note(std::string_view text) const {
+  fmt::print("    {}\n", text);
+}
+
+void Console::verdict(bool good, std::string_view text) const {
+  fmt::print("    {}{}{} {}\n", paint(good ? kGreen : kRed), good ? "ok" : "WRONG", paint(kPlain), text);
+}
+
+}  // namespace tools

@@ -1,0 +1,34 @@
+// What the tools print: records with their fields beside the raw bytes.
+#pragma once
+
+#include <string_view>
+
+#include "handset/bytes.h"
+#include "tools/decode.h"
+
+namespace tools {
+
+enum class ColourWhen { automatic, always, never };
+
+/// Writes to standard output.
+class Console {
+ public:
+  /// `automatic` is colour on a terminal only.
+  explicit Console(ColourWhen when);
+
+  void section(std::string_view title) const;
+  void step(std::string_view title) const;
+  /// One record: a row for each field, its bytes on the left.
+  void record(std::string_view direction, const DecodedRecord& decoded, handset::ByteView bytes) const;
+  void note(std::string_view text) const;
+  /// Lines of text, each ending in a line feed, as they stand.
+  void block(std::string_view lines) const;
+  void verdict(bool good, std::string_view text) const;
+
+ private:
+  [[nodiscard]] std::string_view paint(std::string_view escape) const { return colour_ ? escape : ""; }
+
+  bool colour_;
+};
+
+}  // namespace tools
