@@ -14,6 +14,8 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "handset/modem_logs.h"
+
 namespace handset {
 namespace {
 
@@ -153,6 +155,7 @@ std::optional<Bytes> readOnce(int fd, Clock::time_point deadline) {
 
 Parent::Parent(const ParentOptions& options) {
   std::signal(SIGPIPE, SIG_IGN);
+  joinLogGroup();
   Pipe requests = makePipe();
   Pipe responses = makePipe();
   Pipe unsolicited = makePipe();

@@ -37,8 +37,8 @@ struct ParentOptions {
 /// Requests, answers and unsolicited messages may each be used by a thread of their own, the log by any.
 class Parent {
  public:
-  /// Starts the process. Ignores SIGPIPE in this process from here on. Throws std::system_error when the
-  /// executable cannot be started.
+  /// Starts the process. From here on this process ignores SIGPIPE and, where it may, is a member of the
+  /// modem logs' group. Throws std::system_error when the executable cannot be started.
   explicit Parent(const ParentOptions& options);
   Parent(const Parent&) = delete;
   Parent& operator=(const Parent&) = delete;

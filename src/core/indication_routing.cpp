@@ -2,6 +2,7 @@
 
 #include <iterator>
 
+#include "adam/utility_indication.h"
 #include "carrier/indications.h"
 #include "core/ground/log.h"
 #include "core/test_notification.h"
@@ -17,13 +18,13 @@ namespace {
 
 struct IndicationTableRow {
   uint32_t indication_id;
-  IndicationHandler handler;  // null: not served
+  IndicationHandler handler;
 };
 
 constexpr IndicationTableRow unsolIndTable[] = {
     {0x0001, sendUnsolNotify},  {0x000A, myPfpIndHndlr}, {0x0013, dhob_ind_handler},
-    {0x0016, dataPlmnIndHndlr}, {0x000F, nullptr},  // utility: modem logs and their files
-    {0x010C, sigcovIndHndlr},   {0x0110, tunerIndHndlr},
+    {0x0016, dataPlmnIndHndlr}, {0x000F, utilsIndHndlr}, {0x010C, sigcovIndHndlr},
+    {0x0110, tunerIndHndlr},
 };
 static_assert(std::size(unsolIndTable) == 7);
 

@@ -68,8 +68,9 @@ void startUp() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // A parent that has closed a pipe is a failed write, not the end.
+  // A parent that has closed a pipe is a failed write, not the end; so is a file at its size limit.
   (void)std::signal(SIGPIPE, SIG_IGN);
+  (void)std::signal(SIGXFSZ, SIG_IGN);
   LOGE("Starting kesext_client");
   (void)!setuid(kRadioUid);
   if (!readArguments(argc, argv) || !connectToModem()) return 0;

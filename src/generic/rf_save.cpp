@@ -1,15 +1,14 @@
 #include "generic/rf_save.h"
 
-#include <fcntl.h>
 #include <pthread.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <atomic>
 
+#include "core/ground/device_file.h"
 #include "core/ground/log.h"
 #include "core/ground/process_state.h"
-#include "platform/device_path.h"
 #include "qmi/send.h"
 
 namespace kesext {
@@ -43,44 +42,37 @@ void sendToModem(DhobMessage message) {
   sendVendor(kDhob, DhobRequest{message}, response);
 }
 
-int openDevice(const char* path, int flags) {
-  char place[kDevicePathMax];
-  return open(device_path(path, place, sizeof place), flags | O_CLOEXEC);
-}
-
 /// Writes the region to the partition in one write.
 bool writePartition(const void* region) {
-  const int partition = openDevice(kPartitionPath, O_RDWR | O_SYNC);
-  if (partition < 0) {
+  const DeviceFile partition(kPartitionPath, O_RDWR | O_SYNC);
+  if (!partition) {
     LOGE("dhob_write: Open hob block failed");
     return false;
   }
-  const bool saved = write(partition, region, kRegionSize) == static_cast<ssize_t>(kRegionSize);
+  const bool saved = write(partition.descriptor(), region, kRegionSize) == static_cast<ssize_t>(kRegionSize);
   if (saved)
     LOGE("dhob_write: Save RF to HOB successful");
   else
     LOGE("dhob_write: Write to hob block failed");
-  close(partition);
   return saved;
 }
 
 bool saveRegion() {
-  const int device = openDevice(kSharedRamPath, O_RDWR);
-  if (device < 0) {
+  const DeviceFile device(kSharedRamPath, O_RDWR);
+  if (!device) {
     LOGE("dhob_write: Unable to open %s", kSharedRamPath);
     return false;
   }
   LOGE("dhob_write: kes_shared_ram open success");
-  void* region = mmap(nullptr, kRegionSize, PROT_READ | PROT_WRITE, MAP_SHARED, device, kRegionOffset);
+  void* region =
+      mmap(nullptr, kRegionSize, PROT_READ | PROT_WRITE, MAP_SHARED, device.descriptor(), kRegionOffset);
   if (region == MAP_FAILED) {
     LOGE("dhob_write: mmap failed");
     LOGE("dhob_write: base %#x", static_cast<unsigned>(kRegionOffset));
     LOGE("dhob_write: size %#x", static_cast<unsigned>(kRegionSize));
-    close(device);
     return false;
   }
   const bool saved = writePartition(region);
-  close(device);
   munmap(region, kRegionSize);
   return saved;
 }

@@ -1,6 +1,5 @@
 #include "generic/sim_pin_notice.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cctype>
@@ -10,9 +9,9 @@
 #include <memory>
 #include <optional>
 
+#include "core/ground/device_file.h"
 #include "core/ground/log.h"
 #include "generic/utility_messages.h"
-#include "platform/device_path.h"
 
 namespace kesext {
 
@@ -28,11 +27,9 @@ constexpr const char* kKernelPanicReason = "0x00020000";
 
 /// Reads a file with one read. False when it cannot be opened or read.
 bool readOnce(const char* path, char (&text)[kBootInfoMax + 1]) {
-  char place[kDevicePathMax];
-  const int file = open(device_path(path, place, sizeof place), O_RDONLY | O_CLOEXEC);
-  if (file < 0) return false;
-  const ssize_t count = read(file, text, kBootInfoMax);
-  close(file);
+  const DeviceFile file(path, O_RDONLY);
+  if (!file) return false;
+  const ssize_t count = read(file.descriptor(), text, kBootInfoMax);
   if (count < 0) return false;
   text[count] = '\0';
   return true;
@@ -41,8 +38,7 @@ bool readOnce(const char* path, char (&text)[kBootInfoMax + 1]) {
 using File = std::unique_ptr<FILE, int (*)(FILE*)>;
 
 File openForReading(const char* path) {
-  char place[kDevicePathMax];
-  return {std::fopen(device_path(path, place, sizeof place), "re"), std::fclose};
+  return {std::fopen(DevicePath(path).text(), "re"), std::fclose};
 }
 
 /// The text behind the ": " that follows POWERUPREASON, up to a blank. Empty when there is none.

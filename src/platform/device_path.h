@@ -8,8 +8,8 @@ inline constexpr size_t kDevicePathMax = 4096;
 
 extern "C" {
 
-/// Stores in `path`, of `size` bytes, where the handset's absolute `handset_path` is found on this machine:
-/// the path itself on a handset. An empty path stays empty. Returns `path`, which is empty when it had no
+/// Stores in `path`, of `size` bytes, where the handset's `handset_path` is found on this machine: the path
+/// itself on a handset, and always of one that is not absolute. Returns `path`, which is empty when it had no
 /// room.
 const char* device_path(const char* handset_path, char* path, size_t size);
 }

@@ -6,8 +6,7 @@
 const char* device_path(const char* handset_path, char* path, size_t size) {
   if (size == 0) return "";
   path[0] = '\0';
-  if (handset_path[0] == '\0') return path;
-  const char* root = getenv("HANDSET_ROOT");
+  const char* root = handset_path[0] == '/' ? getenv("HANDSET_ROOT") : nullptr;
   const size_t root_length = root != nullptr ? strlen(root) : 0;
   const size_t path_length = strlen(handset_path);
   if (root_length >= size || path_length >= size - root_length) return path;

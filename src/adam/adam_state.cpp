@@ -1,0 +1,7 @@
+#include "adam/adam_state.h"
+
+namespace kesext {
+
+AdamState adam_state;
+
+}  // namespace kesext

@@ -1,0 +1,16 @@
+// The modem logs' directory: a new log and what goes for it.
+#pragma once
+
+#include "adam/log_names.h"
+
+namespace kesext {
+
+/// Creates a new log file, makes it the current and the current one the previous log. The log that was the
+/// previous one and what else is too old are then deleted, once there were two. Stores the new file's path
+/// and returns 0; leaves it alone and returns -1, after a log line, when the file cannot be created.
+int adam_create_new_log(LogPath& path);
+
+/// Deletes both index links and all log files; packages that are being collected stay.
+void adam_reset_dir();
+
+}  // namespace kesext
