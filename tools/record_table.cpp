@@ -67,6 +67,8 @@ constexpr FieldSpec kName[] = {{"name", utf8, kRest}};
 constexpr FieldSpec kCommand[] = {{"command", bytes, kRest}};
 constexpr FieldSpec kEvent[] = {{"event", bytes, kRest}};
 constexpr FieldSpec kRecord[] = {{"record", bytes, kRest}};
+constexpr FieldSpec kUtilityData[] = {{"prefix", hexNumber, 1}, {"data", bytes, kRest}};
+constexpr FieldSpec kPerformance[] = {{"header", hexNumber, 4}, {"data", bytes, kRest}};
 constexpr FieldSpec kNotification[] = {{"text", text, 22}};
 
 constexpr RequestRow kRequests[] = {
@@ -134,7 +136,11 @@ constexpr UnsolicitedRow kUnsolicited[] = {
     {Family::cdma, 0x0200001D, "PFP", kPfpRecord},
     {Family::cdma, 0x020001B0, "carrier value", kValue},
     {Family::cdma, 0x020001B1, "LTE error", kLteError},
+    {Family::generic, 0x03000B, "utility data, type 0", kUtilityData},
     {Family::generic, 0x040003, "signal coverage", kRecord},
+    {Family::generic, 0x040004, "performance indicators", kPerformance},
+    {Family::generic, 0x04000C, "utility data, type 2", kData},
+    {Family::generic, 0x04000E, "utility data, type 3", kData},
     {Family::generic, 0x04000F, "tuner event", kEvent},
     {Family::generic, 0x060002, "data PLMN changed", {}},
 };

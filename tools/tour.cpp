@@ -14,6 +14,7 @@
 #include "nam/engineering_records.h"
 #include "nam/nam_info.h"
 #include "tools/engineering_screen.h"
+#include "tools/tour_modem_logs.h"
 #include "tools/tour_stage.h"
 
 namespace tools {
@@ -373,6 +374,7 @@ bool runTour(const std::string& executable, const Console& console) {
   tourUnserved(stage);
   tourNotifications(stage);
   tourRfSave(stage);
+  tourModemLogs(stage);
   stage.section("The end");
   stage.end();
   tourCrash(stage);

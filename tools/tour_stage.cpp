@@ -50,6 +50,12 @@ void TourStage::indicate(std::string_view title, uint16_t id, ByteView indicatio
   compare(message, expected);
 }
 
+bool TourStage::settle() {
+  constexpr uint16_t kTestNotification = 0x0001;
+  modem_.indicate(kTestNotification, {});
+  return parent_->nextUnsolicited().has_value();
+}
+
 ByteView TourStage::lastPayload() const {
   constexpr size_t kAround = kesext::kOemHookHeaderCount;
   if (last_answer_.size() < kAround) return {};

@@ -27,10 +27,14 @@ class TourStage {
   void ask(std::string_view title, handset::ByteView request, handset::ByteView expected);
   /// The payload of the last answer to a CDMA request.
   [[nodiscard]] handset::ByteView lastPayload() const;
+  void step(std::string_view title) const { console_.step(title); }
   void show(std::string_view text) const { console_.block(text); }
   /// Lets the modem send an indication, and holds the unsolicited message that follows against the expected.
   void indicate(std::string_view title, uint16_t id, handset::ByteView indication,
                 handset::ByteView expected);
+  /// Waits until the process has handled every indication that was sent before: a test notification comes
+  /// behind them. False when it does not come.
+  [[nodiscard]] bool settle();
   /// Notes whether something else than an answer is as it should be.
   void check(bool good, std::string_view what);
 
