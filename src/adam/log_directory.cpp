@@ -19,7 +19,7 @@ namespace kesext {
 namespace {
 
 constexpr mode_t kNewLogMode = 0740;
-/// A file that is neither log and was last written this long ago, or is to be so far ahead, may stay.
+/// How far the time of a stray file may lie from now, either way, before it is deleted.
 constexpr double kStrayAgeMax = 172'799;  // seconds
 
 struct CloseDirectory {
@@ -35,7 +35,7 @@ bool isSelfOrParent(const char* name) {
   return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
 }
 
-/// The path of an entry of the directory. False when it does not fit.
+/// The path of an entry of the directory. False when it does not fit; a cut path would be another file's.
 bool entryPath(const char* name, LogPath& path) {
   const int length = std::snprintf(path.data(), path.size(), "%s/%s", kLogDirectory, name);
   return length >= 0 && static_cast<size_t>(length) < path.size();
@@ -46,7 +46,7 @@ void deleteFile(const LogPath& path) {
 }
 
 bool isIndexed(const LogPath& path) {
-  for (const int index : {kCurrentLog, kPreviousLog}) {
+  for (const LogIndex index : {kCurrentLog, kPreviousLog}) {
     LogPath target;
     if (adam_get_filename(index, target) == 0 && std::strcmp(path.data(), target.data()) == 0) return true;
   }
@@ -87,7 +87,7 @@ int adam_create_new_log(LogPath& path) {
   path = name;
   LOGE("adam_create_new_log: create new %s.", path.data());
   // Each link takes the name that the one before it gave up.
-  for (const int index : {kCurrentLog, kPreviousLog}) {
+  for (const LogIndex index : {kCurrentLog, kPreviousLog}) {
     LogPath old_target;
     adam_get_filename(index, old_target);
     LogPath link;

@@ -5,9 +5,9 @@
 
 namespace kesext {
 
-/// Creates a new log file, makes it the current and the current one the previous log. The log that was the
-/// previous one and what else is too old are then deleted, once there were two. Stores the new file's path
-/// and returns 0; leaves it alone and returns -1, after a log line, when the file cannot be created.
+/// Creates a new log file, makes it the current and the current one the previous log. Where there was a
+/// previous one too, that and old stray files are deleted; otherwise nothing is. Stores the new file's path
+/// and returns 0; leaves `path` alone and returns -1, after a log line, when the file cannot be created.
 int adam_create_new_log(LogPath& path);
 
 /// Deletes both index links and all log files; packages that are being collected stay.

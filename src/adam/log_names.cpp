@@ -32,13 +32,13 @@ tm localTime() {
 
 }  // namespace
 
-void adam_get_index_filename(int index, LogPath& path) {
+void adam_get_index_filename(LogIndex index, LogPath& path) {
   path.fill('\0');
   std::snprintf(path.data(), kLinkTextMax, "%s/.%04d", kLogDirectory, index);
   LOGE("adam_get_index_filename: index name %s", path.data());
 }
 
-int adam_get_filename(int index, LogPath& path) {
+int adam_get_filename(LogIndex index, LogPath& path) {
   LogPath link;
   adam_get_index_filename(index, link);
   path.fill('\0');
@@ -50,10 +50,10 @@ int adam_get_filename(int index, LogPath& path) {
 }
 
 LogPath newLogPath() {
-  const tm time = localTime();
+  const tm now = localTime();
   LogPath path{};
-  std::snprintf(path.data(), path.size(), "%s_%04d%02d%02d%02d%02d%02d%s", kLogPrefix, time.tm_year + 1900,
-                time.tm_mon + 1, time.tm_mday, time.tm_hour, time.tm_min, time.tm_sec, kLogSuffix);
+  std::snprintf(path.data(), path.size(), "%s_%04d%02d%02d%02d%02d%02d%s", kLogPrefix, now.tm_year + 1900,
+                now.tm_mon + 1, now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec, kLogSuffix);
   return path;
 }
 

@@ -24,11 +24,11 @@ using LogPath = std::array<char, kLogPathSize>;
 enum LogIndex : int { kCurrentLog = 1, kPreviousLog = 2 };
 
 /// Stores the path of an index link, and logs it.
-void adam_get_index_filename(int index, LogPath& path);
+void adam_get_index_filename(LogIndex index, LogPath& path);
 
 /// Stores the path that an index link leads to; empty, with a log line, when it cannot be read. 0 when there
 /// is such a file, else -1.
-int adam_get_filename(int index, LogPath& path);
+int adam_get_filename(LogIndex index, LogPath& path);
 
 /// The path of a log file that is created now.
 LogPath newLogPath();

@@ -40,8 +40,8 @@ bool makeLogDirectory() {
 void storePacket(const adam_packet& packet, size_t skip) {
   if (!makeLogDirectory()) return;
   const LogPath path = packagePath(packet.package_id);
-  const int begin_or_go_on = packet.sequence_id == kFirstSequenceId ? O_TRUNC : O_APPEND;
-  const DeviceFile package(path.data(), O_RDWR | O_CREAT | begin_or_go_on, kPackageMode);
+  const int truncate_or_append = packet.sequence_id == kFirstSequenceId ? O_TRUNC : O_APPEND;
+  const DeviceFile package(path.data(), O_RDWR | O_CREAT | truncate_or_append, kPackageMode);
   if (!package) {
     LOGE("adamIndHndlr: Unable to open %s, errno %d", path.data(), errno);
     return;
@@ -51,7 +51,7 @@ void storePacket(const adam_packet& packet, size_t skip) {
     LOGE("adamIndHndlr: Write to file %s failed, errno %d", path.data(), errno);
     return;
   }
-  if (packet.last != 1) return;
+  if (packet.last != kLastPacket) return;
   LOGE("adamIndHndlr: received the last pkg of %d", packet.package_id);
   adam_state.reassembly.reset();
   adam_update_current_log(path.data());

@@ -26,14 +26,14 @@ constexpr mode_t kAppendMode = 0770;
 constexpr mode_t kWrittenLogMode = 0660;
 constexpr gid_t kLogGroup = 2002;
 
-/// Whether the current log is to be left as it is. The rotation period begins with the first package.
-bool isRotationDue(off_t log_size, off_t package_size) {
+/// Whether a new log is to be begun. The first package begins the rotation period.
+bool startsNewLog(off_t log_size, off_t package_size) {
   const time_t now = std::time(nullptr);
   if (adam_state.last_handoff == 0)
     adam_state.last_handoff = now;
   else if (std::difftime(now, adam_state.last_handoff) >= kRotationPeriod)
     return true;
-  return log_size + package_size > kLogSizeMax;
+  return package_size > kLogSizeMax - log_size;
 }
 
 /// Hands the current log over and begins a new one. False when there is no new one.
@@ -113,7 +113,7 @@ void adam_update_current_log(const char* temp_path) {
     return;
   }
   off_t log_size = log.st_size;
-  if (isRotationDue(log_size, package.st_size)) {
+  if (startsNewLog(log_size, package.st_size)) {
     if (!rotate(log_size, current_log)) return;
     log_size = 0;
   }

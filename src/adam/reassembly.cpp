@@ -6,23 +6,26 @@ namespace kesext {
 
 namespace {
 
-/// What a package holds, as its header word tells.
+/// What a package holds, as its header word tells; any other word is the beginning of an unknown log.
 enum class PackageKind { log_behind_header, log_with_header, kpi, unknown };
 
+struct HeaderRow {
+  uint32_t header;
+  PackageKind kind;
+};
+constexpr HeaderRow kHeaders[] = {
+    {0x01C0FFEE, PackageKind::log_behind_header},
+    {0xFFFFFFFF, PackageKind::log_with_header},
+    {0x02C0FFEE, PackageKind::kpi},
+    {0x03C0FFEE, PackageKind::kpi},
+    {0x06C0FFEE, PackageKind::kpi},
+    {0x07C0FFEE, PackageKind::kpi},
+};
+
 PackageKind kindOf(uint32_t header) {
-  switch (header) {
-    case 0x01C0FFEE:
-      return PackageKind::log_behind_header;
-    case 0xFFFFFFFF:
-      return PackageKind::log_with_header;
-    case 0x02C0FFEE:
-    case 0x03C0FFEE:
-    case 0x06C0FFEE:
-    case 0x07C0FFEE:
-      return PackageKind::kpi;
-    default:
-      return PackageKind::unknown;
-  }
+  for (const HeaderRow& row : kHeaders)
+    if (row.header == header) return row.kind;
+  return PackageKind::unknown;
 }
 
 }  // namespace
@@ -57,7 +60,7 @@ Reassembly::Verdict Reassembly::takeFirst(const adam_packet& packet) {
     return {Action::forward, 0};
   }
   if (kind == PackageKind::unknown) LOGE("adamIndHndlr: unknown header 0x%x", header);
-  // Counted on rather than set: a package that begins anew half-way does not go on.
+  // Counted up, not set to 2: once a package has begun anew half-way, its next packet is out of order.
   ++expected_sequence_id_;
   return store(packet, kind == PackageKind::log_behind_header ? kPackageHeaderSize : 0);
 }

@@ -5,7 +5,8 @@
 //   collecting  a packet has to be of this package; one that does not begin the package anew, as sequence id
 //               1 does, also has to have the expected sequence id
 //
-// The last packet, a package for the parent, and every packet that breaks a rule lead back to idle.
+// A package for the parent and every packet that breaks a rule lead back to idle. So does the last packet,
+// once it is stored; what the file system refuses leaves a package where it is.
 #pragma once
 
 #include <cstddef>
@@ -27,7 +28,7 @@ class Reassembly {
   /// Takes the next packet, and logs why when it is to be dropped. A packet to be stored fits its record and
   /// holds more than is skipped.
   Verdict take(const adam_packet& packet);
-  /// Back to idle.
+  /// Back to idle: the package is complete.
   void reset() { state_ = State::idle; }
 
  private:

@@ -12,7 +12,7 @@ inline constexpr uint32_t kUtilityIndicationDataMax = 512;  // bytes
 
 struct utils_ind_msg_v01 {
   uint32_t type;
-  uint32_t len;  // valid bytes of `data`; not of a packet
+  uint32_t len;  // valid bytes of `data`; not used for a packet
   uint8_t data[kUtilityIndicationDataMax];
 };
 static_assert(sizeof(utils_ind_msg_v01) == 520);
@@ -21,13 +21,14 @@ static_assert(offsetof(utils_ind_msg_v01, data) == 8);
 
 inline constexpr size_t kPacketPayloadMax = 506;  // bytes
 inline constexpr uint8_t kFirstSequenceId = 1;
+inline constexpr uint8_t kLastPacket = 1;
 /// The first bytes of a package tell what it holds.
 inline constexpr size_t kPackageHeaderSize = 4;
 
 struct adam_packet {
   uint8_t package_id;
   uint8_t sequence_id;  // from kFirstSequenceId on
-  uint8_t last;         // 1 for a package's last packet
+  uint8_t last;         // kLastPacket for a package's last packet
   uint8_t unread_3;
   uint8_t size_le[2];
   uint8_t payload[kPacketPayloadMax];
