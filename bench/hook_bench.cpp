@@ -4,7 +4,6 @@
 #include <sched.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <fstream>
@@ -13,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "bench/turns.h"
 #include "handset/folder.h"
 #include "handset/hook_records.h"
 #include "handset/modem.h"
@@ -20,19 +20,13 @@
 
 namespace {
 
+using bench::medianOf;
+using bench::quiet;
 using handset::Bytes;
 
 /// Requests that one of the two serves before it is the other's turn.
 constexpr int kTurn = 50;
 constexpr uint32_t kElement = 100;
-
-/// A child with its standard error thrown away, as no reader of it should be measured.
-handset::ParentOptions quiet(const handset::Folder& folder, std::vector<std::string> command) {
-  command.insert(command.begin(), {"-c", R"(exec "$0" "$@" 2>/dev/null)"});
-  handset::ParentOptions options{.executable = "/bin/sh", .handset_root = folder.root()};
-  options.arguments = std::move(command);
-  return options;
-}
 
 /// The handset that all benchmarks share.
 struct Stage {
@@ -80,12 +74,6 @@ double roundTrip(handset::Parent& parent, const Bytes& request) {
       read(parent.responsesFd(), answer, sizeof answer) <= 0)
     throw std::runtime_error("no answer");
   return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count();
-}
-
-double medianOf(std::vector<double>& values) {
-  const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
 }
 
 double sumOf(const std::vector<double>& values) {
