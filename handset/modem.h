@@ -57,7 +57,8 @@ class Modem {
   Modem& operator=(const Modem&) = delete;
   ~Modem();
 
-  /// Listens on the folder's modem.sock. Throws std::system_error when it cannot.
+  /// Listens on the folder's modem.sock. Throws std::system_error when it cannot,
+  /// with EADDRINUSE when another modem listens there.
   void start();
   /// Goes away: no socket, no connections. Settings, state and recorded requests stay.
   void stop();

@@ -30,9 +30,22 @@ constexpr int kSendTimeoutSeconds = 10;
   throw std::system_error(errno, std::generic_category(), what);
 }
 
+bool somebodyListensOn(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  if (path.size() >= sizeof(address.sun_path)) return false;
+  std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
+  const Fd probe(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+  return probe && connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
+}
+
 Fd listenOn(const std::string& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
+  if (somebodyListensOn(path)) {
+    errno = EADDRINUSE;
+    fail(path);
+  }
   // The socket appears under its name only when everybody may connect to it and somebody listens.
   const std::string temporary = path + ".new";
   if (temporary.size() >= sizeof(address.sun_path)) throw std::length_error("socket path too long: " + path);

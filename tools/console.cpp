@@ -4,7 +4,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <system_error>
 
 namespace tools {
 
@@ -22,6 +24,10 @@ constexpr size_t kBytesPerRow = 8;
 constexpr size_t kRowsPerField = 4;
 
 }  // namespace
+
+void flushOutput() {
+  if (std::fflush(stdout) != 0) throw std::system_error(errno, std::generic_category(), "standard output");
+}
 
 Console::Console(ColourWhen when)
     : colour_(when == ColourWhen::always || (when == ColourWhen::automatic && isatty(STDOUT_FILENO) == 1)) {}

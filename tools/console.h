@@ -8,6 +8,9 @@
 
 namespace tools {
 
+/// Lets everything printed so far go out. Throws std::system_error when the reader has gone.
+void flushOutput();
+
 enum class ColourWhen { automatic, always, never };
 
 /// Writes to standard output.

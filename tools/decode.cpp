@@ -46,6 +46,18 @@ std::string quoted(ByteView bytes) {
   return text + '"';
 }
 
+/// The words in order, without the zeros at the end.
+std::string wordsIn(ByteView bytes) {
+  std::vector<uint32_t> all(bytes.size() / 4);
+  for (size_t i = 0; i < all.size(); ++i)
+    all[i] = getLe<uint32_t>(bytes, 4 * i);
+  const size_t count = all.size();
+  while (!all.empty() && all.back() == 0)
+    all.pop_back();
+  const std::string_view rest = all.size() == count ? "" : all.empty() ? "zeros" : ", zeros";
+  return fmt::format("{}{}", fmt::join(all, ", "), rest);
+}
+
 std::string valueOf(FieldKind kind, ByteView bytes) {
   const uint64_t number = numberIn(bytes);
   switch (kind) {
@@ -61,7 +73,10 @@ std::string valueOf(FieldKind kind, ByteView bytes) {
       return fmt::format("{} ({})", number, statusName(static_cast<uint32_t>(number)));
     case FieldKind::bytes:
       return fmt::format("{} bytes", bytes.size());
+    case FieldKind::words:
+      return wordsIn(bytes);
     case FieldKind::text:
+    case FieldKind::zeroEndedText:
       return quoted(bytes);
     case FieldKind::utf8:
       return '"' + std::string(bytes.begin(), bytes.end()) + '"';
@@ -91,7 +106,7 @@ class Splitter {
   }
   /// A payload of `size` bytes, as its fields say; without fields, as bytes.
   void takePayload(Fields fields, size_t size) {
-    static constexpr FieldSpec kPlain[] = {{"payload", FieldKind::bytes, kRest}};
+    static constexpr FieldSpec kPlain[] = {{"payload", kRest, FieldKind::bytes}};
     if (fields.empty()) fields = kPlain;
     size_t fixed = 0;
     for (const FieldSpec& field : fields)
@@ -204,7 +219,7 @@ DecodedRecord decodeAnswer(ByteView request, ByteView record) {
   // A failed request is answered with a status alone, whatever its answer is made of.
   const bool failed = length == 1 && record.size() > kGenericPayload &&
                       record[kGenericPayload] == kesext::HOOK_STATUS_FAILURE;
-  static constexpr FieldSpec kFailure[] = {{"status", FieldKind::status, 1}};
+  static constexpr FieldSpec kFailure[] = {{"status", 1, FieldKind::status}};
   const Fields fields = row != nullptr ? row->answer : Fields{};
   split.takePayload(failed ? Fields(kFailure) : fields, split.left());
   return decoded;

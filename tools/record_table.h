@@ -1,4 +1,5 @@
-// What each record that crosses a pipe is called and made of.
+// What each record that crosses a pipe is called and made of: the one table that requests are named, put
+// together, explained and read by.
 #pragma once
 
 #include <cstddef>
@@ -15,19 +16,25 @@ enum class FieldKind {
   element,  // an RDE element's index
   status,   // a result code
   bytes,
-  text,   // up to the first zero byte
-  utf8,   // text as it stands
-  code,   // a service programming code, or zeros for none
-  zeros,  // always zero; anything else is pointed out
+  text,           // up to the first zero byte
+  utf8,           // text as it stands
+  code,           // a service programming code, or zeros for none
+  words,          // unsigned 4-byte numbers
+  zeroEndedText,  // text with a terminator of its own
+  zeros,          // always zero; anything else is pointed out
 };
+
+/// What stands in a request for a field that is not given.
+enum class WhenAbsent { refused, zeros, lengthOfRest };
 
 /// The one field of a payload that takes what the others leave.
 inline constexpr size_t kRest = SIZE_MAX;
 
 struct FieldSpec {
   std::string_view name;
-  FieldKind kind;
   size_t size;  // bytes, or kRest
+  FieldKind kind;
+  WhenAbsent when_absent = WhenAbsent::refused;
 };
 
 using Fields = std::span<const FieldSpec>;
@@ -37,7 +44,8 @@ enum class Family { cdma, generic };
 struct RequestRow {
   Family family;
   uint32_t id;
-  std::string_view name;
+  std::string_view command;  // what a person types
+  std::string_view name;     // what it does
   Fields request;            // the payload
   Fields answer;             // the payload of a successful answer
   bool bare_answer = false;  // which then has no header
@@ -49,6 +57,12 @@ struct UnsolicitedRow {
   std::string_view name;
   Fields payload;
 };
+
+/// All requests that the process serves, by family and id.
+std::span<const RequestRow> requestTable();
+
+/// All unsolicited messages.
+std::span<const UnsolicitedRow> unsolicitedTable();
 
 /// The row of a request id, or null when the process serves no such request.
 const RequestRow* findRequest(Family family, uint32_t id);

@@ -1,6 +1,6 @@
 # Sourced by ./run and ./test: what both need of a fresh machine.
 
-packages='g++ cmake ninja-build pkgconf libgtest-dev libgmock-dev libbenchmark-dev libfmt-dev libcli11-dev binutils util-linux'
+packages='g++ cmake ninja-build pkgconf libgtest-dev libgmock-dev libbenchmark-dev libfmt-dev libcli11-dev libedit-dev nlohmann-json3-dev mandoc binutils util-linux'
 
 # Installs the Debian packages that are missing.
 install_packages() {

@@ -308,7 +308,7 @@ void tourCrash(TourStage& stage) {
   stage.section("Another start, after a kernel crash");
   stage.folder().writeFile("/proc/bootinfo", "POWERUPREASON : 0x00020000\n");
   stage.modem().clearRequests();
-  if (!stage.start()) return;
+  stage.station().start();
   Bytes notice = concat(le32(4), le32(256), Bytes(256));
   bool noticed = false;
   for (const Received& request : stage.modem().requests())
@@ -359,10 +359,10 @@ void tourProperties(TourStage& stage) {
 
 }  // namespace
 
-bool runTour(const std::string& executable, const Console& console) {
-  TourStage stage(executable, console);
+bool runTour(Station& station, const Console& console) {
+  TourStage stage(station, console);
   prepareConfiguration(stage);
-  if (!stage.start()) return false;
+  station.start();
   tourProperties(stage);
   tourNvItems(stage);
   tourCodes(stage);

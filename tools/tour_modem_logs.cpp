@@ -38,9 +38,9 @@ void collect(TourStage& stage, uint8_t package_id, ByteView content) {
   stage.step(fmt::format("Package {} of {} bytes in {} packets", package_id, content.size(), packets.size()));
   for (const Bytes& packet : packets)
     stage.modem().indicate(kUtilityIndicationId, packet);
-  stage.check(
-      stage.settle() && !stage.folder().readFile(fmt::format("/data/adam/~adam{:04}.log", package_id)),
-      "it was taken, and the file that it was collected in is gone");
+  stage.station().settle();
+  stage.check(!stage.folder().readFile(fmt::format("/data/adam/~adam{:04}.log", package_id)),
+              "it was taken, and the file that it was collected in is gone");
 }
 
 void showDirectory(TourStage& stage, const char* title) {

@@ -3,31 +3,36 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <utility>
+#include <optional>
 
 #include "core/ground/hook_message.h"
+#include "tools/decode.h"
 
 namespace tools {
 
 using handset::Bytes;
 using handset::ByteView;
 
-TourStage::TourStage(std::string executable, const Console& console)
-    : executable_(std::move(executable)), console_(console), modem_(folder_.root()) {
-  modem_.start();
+namespace {
+
+/// The first bytes that differ, beside what they should be.
+std::string difference(ByteView received, ByteView expected) {
+  static constexpr size_t kShown = 16;
+  const auto [at, _] = std::mismatch(received.begin(), received.end(), expected.begin(), expected.end());
+  const auto offset = static_cast<size_t>(at - received.begin());
+  const auto some = [offset](ByteView bytes) {
+    const ByteView rest = bytes.subspan(std::min(offset, bytes.size()));
+    const std::string text = handset::toHex(rest.first(std::min(kShown, rest.size())));
+    return text.empty() ? "the end" : text + (rest.size() > kShown ? " ..." : "");
+  };
+  return fmt::format("differs at byte {} of {}: expected {}, not {} ({} bytes expected)", offset,
+                     received.size(), some(expected), some(received), expected.size());
 }
 
-bool TourStage::start() {
-  parent_.emplace(handset::ParentOptions{.executable = executable_, .handset_root = folder_.root()});
-  if (parent_->waitForLog("Child process waiting for data")) return true;
-  console_.verdict(false, "the process did not come to serve requests; it last logged:");
-  showLastLogLines();
-  return false;
-}
+}  // namespace
 
 void TourStage::end() {
-  parent_->closeRequests();
-  const std::optional<int> status = parent_->wait();
+  const std::optional<int> status = station_.end();
   check(status == 0, fmt::format("closing the request pipe ends the process with status {}",
                                  status ? std::to_string(*status) : "(it does not end)"));
 }
@@ -35,25 +40,18 @@ void TourStage::end() {
 void TourStage::ask(std::string_view title, ByteView request, ByteView expected) {
   console_.step(title);
   console_.record("request", decodeRequest(request), request);
-  const std::optional<Bytes> answer = parent_->ask(request);
-  last_answer_ = answer.value_or(Bytes{});
-  if (answer) console_.record("answer", decodeAnswer(request, *answer), *answer);
-  compare(answer, expected);
+  last_answer_ = station_.ask(request);
+  console_.record("answer", decodeAnswer(request, last_answer_), last_answer_);
+  compare(last_answer_, expected);
 }
 
 void TourStage::indicate(std::string_view title, uint16_t id, ByteView indication, ByteView expected) {
   console_.step(title);
   console_.note(fmt::format("modem    indication 0x{:04X}  ({} bytes)", id, indication.size()));
-  modem_.indicate(id, indication);
-  const std::optional<Bytes> message = parent_->nextUnsolicited();
-  if (message) console_.record("message", decodeUnsolicited(*message), *message);
+  modem().indicate(id, indication);
+  const Bytes message = station_.nextUnsolicited();
+  console_.record("message", decodeUnsolicited(message), message);
   compare(message, expected);
-}
-
-bool TourStage::settle() {
-  constexpr uint16_t kTestNotification = 0x0001;
-  modem_.indicate(kTestNotification, {});
-  return parent_->nextUnsolicited().has_value();
 }
 
 ByteView TourStage::lastPayload() const {
@@ -68,21 +66,9 @@ void TourStage::check(bool good, std::string_view what) {
   console_.verdict(good, what);
 }
 
-void TourStage::compare(const std::optional<Bytes>& received, ByteView expected) {
-  if (!received) {
-    check(false, "nothing came");
-    showLastLogLines();
-    return;
-  }
-  const bool same = std::equal(received->begin(), received->end(), expected.begin(), expected.end());
-  check(same, same ? "as expected" : "expected " + handset::toHex(expected));
-}
-
-void TourStage::showLastLogLines() const {
-  constexpr size_t kLines = 8;
-  const std::vector<std::string> lines = parent_->logs();
-  for (size_t i = lines.size() - std::min(kLines, lines.size()); i < lines.size(); ++i)
-    console_.note(lines[i]);
+void TourStage::compare(ByteView received, ByteView expected) {
+  const bool same = std::equal(received.begin(), received.end(), expected.begin(), expected.end());
+  check(same, same ? "as expected" : difference(received, expected));
 }
 
 }  // namespace tools

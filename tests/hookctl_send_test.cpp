@@ -1,0 +1,112 @@
+// Requests by name: what is sent for them, and what is said of names and arguments that are wrong.
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <nlohmann/json.hpp>
+
+#include "support/tool_test.h"
+
+namespace kesext_test {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+using Send = ToolTest;
+
+nlohmann::json sendJson(std::vector<std::string> words) {
+  words.insert(words.begin(), {"send", "--json"});
+  const ToolResult result = RunTool(words);
+  EXPECT_EQ(result.status, 0) << result.err;
+  return nlohmann::json::parse(result.out, nullptr, false);
+}
+
+TEST_F(Send, ArgumentsStandInTheRequestByOrderOrName) {
+  struct Case {
+    std::vector<std::string> words;
+    const char* request;
+  };
+  const Case cases[] = {
+      {{"bsr-timer", "set", "30"}, "BD00000204000000000000000000000000001E000000"},
+      {{"bsr-timer", "set", "timer=0x1E", "spc=123456"},
+       "BD0000020400000000000000313233343536"
+       "1E000000"},
+      {{"plmn", "310", "120"}, "000A00060000000436017800"},
+      {{"coverage", "7", "a b"},
+       "000500290000000507612062"
+       "00"},
+      {{"rde", "write", "10017", "text:ab", "offset=2"},
+       "150000021200000000000000000000000000"
+       "21270000"
+       "00000000"
+       "02000000"
+       "02000000"
+       "6162"},
+      {{"utility", "1", "0102"},
+       "1E0000020801000000000000000000000000"
+       "01000000"
+       "02000000"
+       "0102"},
+      {{"raw", "03", "05"}, "0305"},
+  };
+  for (const Case& c : cases) {
+    const nlohmann::json sent = sendJson(c.words);
+    EXPECT_THAT(sent["request"]["hex"].get<std::string>(), StartsWith(c.request));
+    EXPECT_FALSE(sent["answer"]["hex"].get<std::string>().empty());
+  }
+}
+
+TEST_F(Send, WhatIsWrongIsSaidWithWhatWouldBeRight) {
+  struct Case {
+    std::vector<std::string> words;
+    const char* said;
+  };
+  const Case cases[] = {
+      {{"bsr-tmer", "get"}, "did you mean bsr-timer get"},
+      {{"bsr-timer", "set"}, "bsr-timer set needs timer (0 to 4294967295)"},
+      {{"bsr-timer", "set", "4294967296"}, "timer takes a number from 0 to 4294967295, not '4294967296'"},
+      {{"bsr-timer", "set", "-1"}, "timer takes a number from 0"},
+      {{"bsr-timer", "get", "1"}, "bsr-timer get does not take '1'; it takes no arguments"},
+      {{"nam", "write", "mnd=1"}, "did you mean mdn"},
+      {{"nam", "write", "mdn=12345678901234567"}, "mdn takes text of up to 16 characters"},
+      {{"nam", "write", "mdn=1", "mdn=2"}, "mdn is given twice"},
+      {{"spc", "validate", "spc=12345"}, "spc takes 6 characters, or none"},
+      {{"rde", "write", "1", "0G"}, "data takes bytes as hexadecimal digits, text:CHARACTERS or @FILE"},
+      {{"rde", "write", "1", "@/nowhere"}, "the file /nowhere cannot be read"},
+      {{"raw"}, "raw takes 1 to 17408 bytes"},
+      {{"--root", "/proc/nowhere", "nam", "read"}, "/proc/nowhere"},
+  };
+  for (const Case& c : cases) {
+    std::vector<std::string> words = c.words;
+    words.insert(words.begin(), "send");
+    const ToolResult result = RunTool(words);
+    EXPECT_NE(result.status, 0);
+    EXPECT_THAT(result.err, HasSubstr(c.said));
+    EXPECT_EQ(result.out, "");
+  }
+  EXPECT_THAT(RunTool({"tuor"}).err, HasSubstr("did you mean tour?"));
+}
+
+TEST_F(Send, TheModemCanBeToldWhatToAnswer) {
+  const auto answer = [](const std::string& line) {
+    return sendJson({"--modem", line, "sysinfo-filter", "1"})["answer"]["hex"].get<std::string>();
+  };
+  EXPECT_EQ(answer("restore utility"),
+            "0005001E"
+            "01000000"
+            "00");
+  EXPECT_EQ(answer("fail utility 90"),
+            "0005001E"
+            "01000000"
+            "05");
+  EXPECT_THAT(RunTool({"send", "--modem", "fail utilty 90", "pfp"}).err, HasSubstr("did you mean utility?"));
+}
+
+TEST_F(Send, AProcessThatDiesIsShownWithItsEndAndItsLog) {
+  const ToolResult result = RunTool({"--executable", "/bin/false", "send", "nam", "read"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("the process did not come to serve requests: the process has ended with "
+                                    "status 1. It last logged:"));
+}
+
+}  // namespace
+}  // namespace kesext_test

@@ -1,0 +1,68 @@
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "core/ground/hook_ids.h"
+#include "core/ground/hook_message.h"
+#include "handset/hook_records.h"
+#include "tools/commands.h"
+#include "tools/engineering_screen.h"
+#include "tools/station.h"
+
+namespace tools {
+
+namespace {
+
+constexpr std::string_view kHomeAndClear = "\x1b[H\x1b[J";
+
+struct WatchOptions {
+  std::string root;
+  double seconds = 1;
+  unsigned count = 0;
+};
+
+std::string screen(Station& station, uint32_t id, std::string (*draw)(handset::ByteView)) {
+  const handset::Bytes answer = station.ask(handset::cdmaRequest(id));
+  constexpr size_t kAround = kesext::kOemHookHeaderCount;
+  if (answer.size() < kAround) return "(the answer is too short)\n";
+  return draw(handset::ByteView(answer).subspan(kesext::kOemHookPayloadOffset, answer.size() - kAround));
+}
+
+void watch(Station& station, const WatchOptions& options) {
+  const bool in_place = isatty(STDOUT_FILENO) == 1;
+  for (unsigned shown = 1;; ++shown) {
+    const std::string call_processing =
+        screen(station, kesext::HOOK_CALL_PROCESSING_DATA, callProcessingScreen);
+    const std::string evdo = screen(station, kesext::HOOK_EVDO_DATA, evdoScreen);
+    fmt::print("{}Call processing\n{}\nEVDO\n{}", in_place ? kHomeAndClear : "", call_processing, evdo);
+    flushOutput();
+    if (shown == options.count) return;
+    std::this_thread::sleep_for(std::chrono::duration<double>(options.seconds));
+  }
+}
+
+}  // namespace
+
+void addWatchCommand(CLI::App& tool, Common& common) {
+  CLI::App* command =
+      tool.add_subcommand("watch", "Shows the engineering screens, again and again in the same place");
+  auto options = std::make_shared<WatchOptions>();
+  command->add_option("--root", options->root,
+                      "a handset folder, with the modem that runs there; without one, a fresh folder and a "
+                      "modem that reports an example");
+  command->add_option("--every", options->seconds, "seconds from one to the next")
+      ->check(CLI::Range(0.05, 3600.0));
+  command->add_option("--count", options->count, "how often; until Ctrl-C when not given");
+  command->footer("Example:\n  hookctl watch --root /tmp/handset --every 0.5");
+  command->callback([&common, options] {
+    Station station({.executable = common.executable, .root = options->root, .share_modem = true});
+    station.start();
+    watch(station, *options);
+    station.end();
+  });
+}
+
+}  // namespace tools

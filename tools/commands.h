@@ -1,0 +1,27 @@
+// The commands of hookctl: each adds itself to the command line, and stores its exit status when it ran.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "tools/console.h"
+
+namespace tools {
+
+inline constexpr int kStatusGood = 0;
+inline constexpr int kStatusWrong = 1;
+inline constexpr int kStatusUsage = 2;
+
+/// What all commands share.
+struct Common {
+  std::string executable;  // the process
+  ColourWhen colour = ColourWhen::automatic;
+  int status = kStatusGood;
+};
+
+void addTourCommand(CLI::App& tool, Common& common);
+void addSendCommand(CLI::App& tool, Common& common);
+void addModemCommand(CLI::App& tool, Common& common);
+void addWatchCommand(CLI::App& tool, Common& common);
+
+}  // namespace tools

@@ -1,0 +1,97 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "tools/commands.h"
+#include "tools/interruption.h"
+#include "tools/usage_error.h"
+#include "tools/words.h"
+
+namespace {
+
+using namespace tools;
+
+constexpr const char* kDescription =
+    "Works at a bench with qmi_kesext_hook: starts it beside a simulated modem in a handset folder, sends "
+    "it\n"
+    "requests by name, shows what comes back in words, and makes the modem misbehave.";
+
+constexpr const char* kExamples =
+    "Examples:\n"
+    "  hookctl tour                        everything at work, each answer held against what it should be\n"
+    "  hookctl send rde read 10017         one request; its answer field by field\n"
+    "  hookctl send --json bsr-timer set 30\n"
+    "\n"
+    "The status is 0 when all was as it should be, 1 when not, 2 when the command line was wrong.\n"
+    "hookctl COMMAND --help tells more; hookctl send --list tells the requests.";
+
+/// Throws UsageError, with the nearest names, when the first word names no command.
+void checkCommand(const CLI::App& tool, std::string_view word) {
+  if (word.starts_with('-')) return;
+  std::vector<std::string> names;
+  for (const CLI::App* command : tool.get_subcommands({}))
+    names.push_back(command->get_name());
+  if (std::find(names.begin(), names.end(), word) != names.end()) return;
+  const std::vector<std::string_view> views(names.begin(), names.end());
+  throw UsageError(fmt::format("there is no command '{}'{}; hookctl --help tells what there is", word,
+                               didYouMean(word, views)));
+}
+
+int run(int argc, char** argv) {
+  CLI::App tool{kDescription, "hookctl"};
+  tool.footer(kExamples);
+  tool.require_subcommand(1);
+  tool.fallthrough();
+  Common common{.executable =
+                    std::filesystem::read_symlink("/proc/self/exe").parent_path() / "qmi_kesext_hook"};
+  tool.add_option("--executable", common.executable, "the process, instead of the one beside this tool")
+      ->check(CLI::ExistingFile);
+  tool.add_option("--colour", common.colour, "auto (on a terminal only), always or never")
+      ->transform(CLI::CheckedTransformer(std::map<std::string, ColourWhen>{
+          {"auto", ColourWhen::automatic}, {"always", ColourWhen::always}, {"never", ColourWhen::never}}));
+  for (const auto add : {addTourCommand, addSendCommand, addModemCommand, addWatchCommand})
+    add(tool, common);
+  if (argc > 1) checkCommand(tool, argv[1]);
+  try {
+    tool.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return tool.exit(error) == 0 ? kStatusGood : kStatusUsage;
+  }
+  return common.status;
+}
+
+/// Whether the reader of the output has gone, of which there is nobody to tell.
+bool isClosedOutput(const std::system_error& error) {
+  return error.code() == std::errc::broken_pipe;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  watchForInterruption();
+  (void)std::signal(SIGPIPE, SIG_IGN);
+  try {
+    const int status = run(argc, argv);
+    return std::fflush(stdout) == 0 ? status : kStatusWrong;
+  } catch (const UsageError& error) {
+    std::fflush(stdout);
+    fmt::print(stderr, "hookctl: {}\n", error.what());
+    return kStatusUsage;
+  } catch (const std::system_error& error) {
+    if (!isClosedOutput(error)) fmt::print(stderr, "hookctl: {}\n", error.what());
+    return kStatusWrong;
+  } catch (const std::exception& error) {
+    std::fflush(stdout);
+    fmt::print(stderr, "hookctl: {}\n", error.what());
+    return kStatusWrong;
+  }
+}

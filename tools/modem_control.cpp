@@ -1,0 +1,234 @@
+#include "tools/modem_control.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <limits>
+
+#include "handset/message_table.h"
+#include "handset/modem_logs.h"
+#include "tools/encode.h"
+#include "tools/usage_error.h"
+
+namespace tools {
+
+namespace {
+
+using handset::Bytes;
+using handset::Modem;
+using enum FieldKind;
+
+constexpr int64_t kInt32Max = std::numeric_limits<int32_t>::max();
+constexpr int64_t kUint32Max = std::numeric_limits<uint32_t>::max();
+constexpr int64_t kDelayMax = 60'000;  // milliseconds
+
+constexpr auto kZeros = WhenAbsent::zeros;
+constexpr auto kCount = WhenAbsent::lengthOfRest;
+
+constexpr FieldSpec kValue[] = {{"value", 2, number}};
+constexpr FieldSpec kLteError[] = {{"first_word", 4, hexNumber},
+                                   {"value", 4, number},
+                                   {"second_word", 4, hexNumber},
+                                   {"block", 103, bytes, kZeros}};
+constexpr FieldSpec kPfp[] = {{"unread", 2, bytes, kZeros}, {"rat", 2, number}, {"tbl_idx", 4, number}};
+constexpr FieldSpec kTuner[] = {{"length", 4, number, kCount}, {"event", 128, bytes}};
+constexpr FieldSpec kCoverage[] = {{"record", 32, bytes}};
+constexpr FieldSpec kUtility[] = {{"type", 4, number}, {"len", 4, number, kCount}, {"data", 512, bytes}};
+
+constexpr IndicationRow kIndications[] = {
+    {0x0001, "test", "a test notification", {}, 0},
+    {0x000A, "pfp", "PFP", kPfp, 232},
+    {0x000F, "utility", "utility data: type 0, 2 or 3 goes to the parent, 1 is a packet of log", kUtility,
+     520},
+    {0x0012, "carrier-value", "the carrier's value", kValue, 2},
+    {0x0013, "rf-save", "asks for an RF data save", {}, 0},
+    {0x0016, "data-plmn", "the data PLMN changed", {}, 0},
+    {0x010B, "lte-error", "an LTE error", kLteError, 116},
+    {0x010C, "coverage", "signal coverage", kCoverage, 32},
+    {0x0110, "tuner", "a tuner event; 0x81 first is forwarded", kTuner, 132},
+};
+
+std::string messageName(const handset::MessageRow& row) {
+  std::string name(row.name);
+  std::replace(name.begin(), name.end(), ' ', '-');
+  return name;
+}
+
+const handset::MessageRow& findByName(std::string_view name) {
+  for (const handset::MessageRow& row : handset::messageTable())
+    if (messageName(row) == name) return row;
+  const std::vector<std::string> names = messageNames();
+  const std::vector<std::string_view> views(names.begin(), names.end());
+  throw UsageError(fmt::format("the modem has no message '{}'{}", name, didYouMean(name, views)));
+}
+
+void need(Words arguments, size_t least, size_t most, std::string_view usage) {
+  if (arguments.size() < least || arguments.size() > most)
+    throw UsageError(fmt::format("that takes: {}", usage));
+}
+
+void setRde(Modem& modem, Words arguments) {
+  need(arguments, 2, 2, "set rde INDEX BYTES");
+  const auto index = static_cast<uint32_t>(parseNumber("INDEX", arguments[0], 0, kUint32Max));
+  modem.rde().set(index, parseBytes("BYTES", arguments[1]));
+}
+
+void setBand(Modem& modem, Words arguments) {
+  need(arguments, 2, 2, "set band 10|14 STATUS");
+  const int64_t band = parseNumber("the band class", arguments[0], 10, 14);
+  if (band != 10 && band != 14) throw UsageError("the band class is 10 or 14");
+  modem.state().setBand(band == 10 ? handset::kBandClass10 : handset::kBandClass14,
+                        static_cast<uint32_t>(parseNumber("STATUS", arguments[1], 0, kUint32Max)));
+}
+
+void setBsrTimer(Modem& modem, Words arguments) {
+  need(arguments, 1, 1, "set bsr-timer SECONDS");
+  modem.state().setBsrTimer(static_cast<uint32_t>(parseNumber("SECONDS", arguments[0], 0, kUint32Max)));
+}
+
+void setAnswer(Modem& modem, Words arguments) {
+  need(arguments, 2, 2, "answer MESSAGE BYTES");
+  const handset::MessageRow& row = findByName(arguments[0]);
+  Bytes body = parseBytes("BYTES", arguments[1]);
+  if (body.size() > row.response_size)
+    throw UsageError(
+        fmt::format("{} answers {} bytes, not {}", arguments[0], row.response_size, body.size()));
+  body.resize(row.response_size);
+  modem.answer(row.service, row.id, body);
+}
+
+void fail(Modem& modem, Words arguments) {
+  need(arguments, 2, 2, "fail MESSAGE CODE");
+  const handset::MessageRow& row = findByName(arguments[0]);
+  modem.fail(row.service, row.id, static_cast<int32_t>(parseNumber("CODE", arguments[1], 1, kInt32Max)));
+}
+
+void delay(Modem& modem, Words arguments) {
+  need(arguments, 2, 2, "delay MESSAGE MS");
+  const handset::MessageRow& row = findByName(arguments[0]);
+  modem.delay(row.service, row.id, handset::Millis(parseNumber("MS", arguments[1], 0, kDelayMax)));
+}
+
+void silence(Modem& modem, Words arguments) {
+  need(arguments, 1, 1, "silent MESSAGE");
+  const handset::MessageRow& row = findByName(arguments[0]);
+  modem.silence(row.service, row.id);
+}
+
+void restore(Modem& modem, Words arguments) {
+  need(arguments, 1, 1, "restore MESSAGE");
+  const handset::MessageRow& row = findByName(arguments[0]);
+  modem.restore(row.service, row.id);
+}
+
+void publish(Modem& modem, Words arguments) {
+  need(arguments, 2, 2, "publish vendor|nas|dms INSTANCES");
+  constexpr int64_t kInstancesMax = 16;
+  for (const auto service : {handset::Service::vendor, handset::Service::nas, handset::Service::dms}) {
+    if (handset::serviceName(service) != arguments[0]) continue;
+    modem.publish(service, static_cast<int32_t>(parseNumber("INSTANCES", arguments[1], 0, kInstancesMax)));
+    return;
+  }
+  throw UsageError(fmt::format("there is no service '{}'; there are vendor, nas and dms", arguments[0]));
+}
+
+void stop(Modem& modem, Words arguments) {
+  need(arguments, 0, 0, "stop");
+  modem.stop();
+}
+
+void start(Modem& modem, Words arguments) {
+  need(arguments, 0, 0, "start");
+  modem.start();
+}
+
+constexpr ModemCommandRow kCommands[] = {
+    {"set rde", "INDEX BYTES", "what an element holds", setRde},
+    {"set band", "10|14 STATUS", "the status of a band class", setBand},
+    {"set bsr-timer", "SECONDS", "the BSR timer", setBsrTimer},
+    {"answer", "MESSAGE BYTES", "the response to a message; zeros behind what is given", setAnswer},
+    {"fail", "MESSAGE CODE", "refuses a message", fail},
+    {"delay", "MESSAGE MS", "answers a message later", delay},
+    {"silent", "MESSAGE", "does not answer a message", silence},
+    {"restore", "MESSAGE", "answers a message as at first", restore},
+    {"indicate", "NAME [ARGUMENT ...]", "sends an indication", indicate},
+    {"publish", "vendor|nas|dms INSTANCES", "how many instances a service has; 0 is none", publish},
+    {"stop", "", "goes away, with all connections", stop},
+    {"start", "", "comes back", start},
+};
+
+template <typename Rows>
+std::vector<std::string_view> namesOf(const Rows& rows) {
+  std::vector<std::string_view> names;
+  for (const auto& row : rows)
+    if (std::find(names.begin(), names.end(), row.name) == names.end()) names.push_back(row.name);
+  return names;
+}
+
+/// A whole package of log.
+void indicateLog(Modem& modem, Words arguments) {
+  need(arguments, 2, 2, "log PACKAGE BYTES");
+  constexpr int64_t kPackageIdMax = 255;
+  constexpr size_t kContentMax = 255 * handset::kLogPacketPayloadMax - 4;
+  const auto package = static_cast<uint8_t>(parseNumber("PACKAGE", arguments[0], 0, kPackageIdMax));
+  const Bytes content = parseBytes("BYTES", arguments[1]);
+  if (content.empty() || content.size() > kContentMax)
+    throw UsageError(fmt::format("a package holds 1 to {} bytes", kContentMax));
+  for (const Bytes& packet : handset::logPackage(package, handset::kLogHeader, content))
+    modem.indicate(handset::kUtilityIndicationId, packet);
+}
+
+}  // namespace
+
+std::span<const IndicationRow> indicationTable() {
+  return kIndications;
+}
+
+std::span<const ModemCommandRow> modemCommandTable() {
+  return kCommands;
+}
+
+void commandModem(Modem& modem, Words words) {
+  std::string name;
+  for (size_t taken = 1; taken <= std::min<size_t>(2, words.size()); ++taken) {
+    name += (taken > 1 ? " " : "") + words[taken - 1];
+    for (const ModemCommandRow& row : kCommands)
+      if (row.name == name) return row.run(modem, words.subspan(taken));
+  }
+  const std::vector<std::string_view> names = namesOf(kCommands);
+  throw UsageError(fmt::format("the modem cannot be told '{}'{}; it can be told {}", name,
+                               didYouMean(name, names), fmt::join(names, ", ")));
+}
+
+void indicate(Modem& modem, Words words) {
+  if (words.empty())
+    throw UsageError(fmt::format("indicate needs one of {}, log, or an id such as 0x0110",
+                                 fmt::join(namesOf(indicationTable()), ", ")));
+  const std::string& name = words.front();
+  if (name == "log") return indicateLog(modem, words.subspan(1));
+  for (const IndicationRow& row : indicationTable()) {
+    if (row.name != name) continue;
+    Bytes body = encodeFields(row.name, row.fields, words.subspan(1));
+    body.resize(row.size);
+    modem.indicate(row.id, body);
+    return;
+  }
+  if (!name.starts_with("0x")) {
+    std::vector<std::string_view> names = namesOf(indicationTable());
+    names.emplace_back("log");
+    throw UsageError(fmt::format("there is no indication '{}'{}", name, didYouMean(name, names)));
+  }
+  Bytes body;
+  for (const std::string& word : words.subspan(1))
+    body = handset::concat(body, parseBytes(name, word));
+  modem.indicate(static_cast<uint16_t>(parseNumber("the id", name, 0, 0xFFFF)), body);
+}
+
+std::vector<std::string> messageNames() {
+  std::vector<std::string> names;
+  for (const handset::MessageRow& row : handset::messageTable())
+    names.push_back(messageName(row));
+  return names;
+}
+
+}  // namespace tools

@@ -1,0 +1,46 @@
+// The simulated modem at a person's command: one line of words for each thing that it can be told.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "handset/folder.h"
+#include "handset/modem.h"
+#include "tools/record_table.h"
+#include "tools/words.h"
+
+namespace tools {
+
+/// An indication that the modem can send, with the fields that it is made of.
+struct IndicationRow {
+  uint16_t id;
+  std::string_view name;
+  std::string_view help;
+  Fields fields;
+  size_t size;  // bytes; what the fields leave is zero
+};
+std::span<const IndicationRow> indicationTable();
+
+/// What the modem can be told.
+struct ModemCommandRow {
+  std::string_view name;
+  std::string_view arguments;
+  std::string_view help;
+  void (*run)(handset::Modem& modem, Words arguments);
+};
+std::span<const ModemCommandRow> modemCommandTable();
+
+/// Does what the words say: a row's name and its arguments. Throws UsageError.
+void commandModem(handset::Modem& modem, Words words);
+
+/// Lets the modem send what the words say: NAME [ARGUMENT ...], "log PACKAGE BYTES" for a whole package of
+/// log in as many indications as it takes, or an id and its bytes. Throws UsageError.
+void indicate(handset::Modem& modem, Words words);
+
+/// The messages of the modem as words have them: "rde-read".
+std::vector<std::string> messageNames();
+
+}  // namespace tools

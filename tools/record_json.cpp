@@ -1,0 +1,25 @@
+#include "tools/record_json.h"
+
+#include <fmt/format.h>
+
+namespace tools {
+
+nlohmann::ordered_json toJson(const DecodedRecord& decoded, handset::ByteView bytes) {
+  nlohmann::ordered_json fields = nlohmann::ordered_json::array();
+  for (const DecodedField& field : decoded.fields)
+    fields.push_back({{"name", field.name},
+                      {"value", field.value},
+                      {"offset", field.offset},
+                      {"size", field.size},
+                      {"hex", handset::toHex(bytes.subspan(field.offset, field.size), "")}});
+  nlohmann::ordered_json record{
+      {"title", decoded.title}, {"hex", handset::toHex(bytes, "")}, {"fields", fields}};
+  return record;
+}
+
+void printJson(const nlohmann::ordered_json& value) {
+  constexpr int kIndent = 2;
+  fmt::print("{}\n", value.dump(kIndent, ' ', false, nlohmann::json::error_handler_t::replace));
+}
+
+}  // namespace tools

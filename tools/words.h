@@ -1,0 +1,30 @@
+// The words of a command line, and the nearest ones to a word that was not found.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tools {
+
+using Words = std::span<const std::string>;
+
+/// Splits at blanks; "..." and '...' keep them, a backslash keeps the character behind it. Throws UsageError
+/// when a quote is not closed.
+std::vector<std::string> splitWords(std::string_view line);
+
+/// Up to three of the candidates that are most like `word`, the nearest first; none that is unlike it.
+std::vector<std::string_view> nearest(std::string_view word, std::span<const std::string_view> candidates);
+
+/// "; did you mean a, b or c?", or nothing when nothing is near.
+std::string didYouMean(std::string_view word, std::span<const std::string_view> candidates);
+
+/// A whole number, decimal or 0x-hexadecimal. Throws UsageError, with `what` it is for, unless it lies from
+/// `least` to `most`.
+int64_t parseNumber(std::string_view what, std::string_view text, int64_t least, int64_t most);
+
+/// Bytes: hexadecimal digits, "text:..." or "@FILE". Throws UsageError, with `what` they are for.
+std::vector<uint8_t> parseBytes(std::string_view what, std::string_view text);
+
+}  // namespace tools
