@@ -10,6 +10,7 @@
 #include "adam/log_names.h"
 #include "adam/log_update.h"
 #include "core/ground/device_file.h"
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
@@ -22,7 +23,6 @@ constexpr mode_t kDirectoryMode = 0750;
 constexpr mode_t kPackageMode = 0740;
 
 constexpr uint8_t kKpiUnsolMsgType = 1;
-constexpr uint32_t kKpiUnsolMsgId = 0x040004;
 
 /// False, after a log line, when there is no log directory.
 bool makeLogDirectory() {
@@ -78,7 +78,7 @@ void adamIndHndlr(const utils_ind_msg_v01& record) {
 void adam_handle_kpi_data(const adam_packet& packet) {
   // The parent takes the low byte for the length.
   const auto length = static_cast<uint8_t>(packet.size());
-  const MessageBuffer message = buildGenericUnsol(kKpiUnsolMsgType, kKpiUnsolMsgId, length);
+  const MessageBuffer message = buildGenericUnsol(kKpiUnsolMsgType, UNSOL_KPI, length);
   if (!message) {
     LOGE("adam_handle_kpi_data: out of memory!");
     return;

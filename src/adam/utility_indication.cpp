@@ -5,6 +5,7 @@
 
 #include "adam/log_packets.h"
 #include "adam/utility_records.h"
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
@@ -25,9 +26,9 @@ struct ForwardedType {
 
 constexpr uint8_t kPrefix[] = {0x02};
 constexpr ForwardedType kForwardedTypes[] = {
-    {0, 0x03000B, 1},
-    {2, 0x04000C, 0},
-    {3, 0x04000E, 0},
+    {0, UNSOL_UTILITY_0, 1},
+    {2, UNSOL_UTILITY_2, 0},
+    {3, UNSOL_UTILITY_3, 0},
 };
 
 void forward(const ForwardedType& row, const utils_ind_msg_v01& indication) {

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
@@ -14,9 +15,7 @@ constexpr uint32_t kTaken = 0;
 constexpr uint32_t kNotTaken = 0xFFFFFFFF;
 
 constexpr uint32_t kValueIndication = 0x0012;
-constexpr uint32_t kValueMsgId = 0x020001B0;
 constexpr uint32_t kLteErrorIndication = 0x010B;
-constexpr uint32_t kLteErrorMsgId = 0x020001B1;
 
 /// Decodes an indication into a cleared record. False, after a log line, when it does not decode.
 template <typename Record>
@@ -38,7 +37,7 @@ uint32_t kes_qmi_sprint_hook_ind_cb(qmi_client_type client, uint32_t indication_
       ValueIndication indication;
       if (!decode(client, indication_id, buffer, buffer_length, &indication)) return kTaken;
       const uint32_t widened = indication.value;
-      send_unsol_response(kValueMsgId, &widened, sizeof widened);
+      send_unsol_response(UNSOL_CARRIER_VALUE, &widened, sizeof widened);
       return kTaken;
     }
     case kLteErrorIndication: {
@@ -46,7 +45,7 @@ uint32_t kes_qmi_sprint_hook_ind_cb(qmi_client_type client, uint32_t indication_
       if (!decode(client, indication_id, buffer, buffer_length, &indication)) return kTaken;
       LteErrorRecord record{};
       convert_lte_error_to_ril_format(&indication, &record);
-      send_unsol_response(kLteErrorMsgId, &record, sizeof record);
+      send_unsol_response(UNSOL_LTE_ERROR, &record, sizeof record);
       return kTaken;
     }
     default:

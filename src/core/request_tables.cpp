@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <iterator>
 
+#include "core/ground/hook_ids.h"
 #include "generic/antenna_tuning.h"
 #include "generic/data_plmn.h"
 #include "generic/pfp.h"
@@ -19,28 +20,31 @@ namespace {
 constexpr uint32_t kNoElement = 0xFFFFFFFF;
 
 constexpr HookTableRow cdmaHookFallbackTable[] = {
-    {0x02000016, kNoElement, handleGenNvReadRequest},
-    {0x02000015, kNoElement, handleGenNvWriteRequest},
-    {0x02000007, 0x1C, handleNvReadRequest},
-    {0x02000008, 0x1C, handleNvWriteRequest},
-    {0x0200000A, 0x20, handleNvReadRequest},  // answered by handleSpcResponse
-    {0x0200001C, 0, handleMyPfpRequest},
-    {0x0200001E, 0, handleUtilsRequest},
-    {0x02000017, 0x26, handleNvReadRequest},
-    {0x02000018, 0x26, handleNvWriteRequest},
-    {0x02000019, 0x27, handleNvReadRequest},
-    {0x0200001A, 0x27, handleNvWriteRequest},
-    {0x0200000D, 0x2713, handleNvReadRequest},
-    {0x0200000E, 0x2713, handleNvWriteRequest},
-    {0x0200000F, 0x25, handleNvReadRequest},
-    {0x02000010, 0x25, handleNvWriteRequest},
+    {HOOK_RDE_READ, kNoElement, handleGenNvReadRequest},
+    {HOOK_RDE_WRITE, kNoElement, handleGenNvWriteRequest},
+    {HOOK_PROTOCOL_REVISION, 0x1C, handleNvReadRequest},
+    {HOOK_NV_1C_WRITE, 0x1C, handleNvWriteRequest},
+    {HOOK_SPC_VALIDATE, 0x20, handleNvReadRequest},  // answered by handleSpcResponse
+    {HOOK_PFP, 0, handleMyPfpRequest},
+    {HOOK_UTILITY, 0, handleUtilsRequest},
+    {HOOK_NV_26_READ, 0x26, handleNvReadRequest},
+    {HOOK_NV_26_WRITE, 0x26, handleNvWriteRequest},
+    {HOOK_NV_27_READ, 0x27, handleNvReadRequest},
+    {HOOK_NV_27_WRITE, 0x27, handleNvWriteRequest},
+    {HOOK_NV_2713_READ, 0x2713, handleNvReadRequest},
+    {HOOK_NV_2713_WRITE, 0x2713, handleNvWriteRequest},
+    {HOOK_NV_25_READ, 0x25, handleNvReadRequest},
+    {HOOK_NV_25_WRITE, 0x25, handleNvWriteRequest},
 };
 
 constexpr HookTableRow genericHookTable[] = {
-    {0x050019, 0, handleSilentRebootRequest},      {0x05001E, 0, handleSysInfoFilter},
-    {0x060001, 0, handleDataPlmnRequest},          {0x050020, 0, handleSigCovRequest},
-    {0x050029, 0, handleSigCovSelectorRequest},    {0x0A0006, 0, handlePlmnNameRequest},
-    {0x05002A, 0, kesext_hook_set_antenna_tuning},
+    {HOOK_SILENT_REBOOT, 0, handleSilentRebootRequest},
+    {HOOK_SYS_INFO_FILTER, 0, handleSysInfoFilter},
+    {HOOK_DATA_PLMN, 0, handleDataPlmnRequest},
+    {HOOK_SIGNAL_COVERAGE, 0, handleSigCovRequest},
+    {HOOK_SIGNAL_COVERAGE_SELECTOR, 0, handleSigCovSelectorRequest},
+    {HOOK_PLMN_NAME, 0, handlePlmnNameRequest},
+    {HOOK_ANTENNA_TUNING, 0, kesext_hook_set_antenna_tuning},
 };
 
 template <size_t N>

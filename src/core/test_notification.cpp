@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
@@ -10,7 +11,6 @@ namespace kesext {
 
 namespace {
 
-constexpr uint32_t kNotificationMsgId = 1111;
 /// Size of the text field, in bytes.
 constexpr uint32_t kNotificationLength = 22;
 /// Most characters that the field is filled with.
@@ -23,7 +23,7 @@ uint32_t next_notification = 12;
 
 int sendUnsolNotify(qmi_client_type, uint32_t, const uint8_t*, uint32_t, void*) {
   const uint32_t number = next_notification++;
-  const MessageBuffer message = buildCdmaUnsol(kNotificationMsgId, kNotificationLength);
+  const MessageBuffer message = buildCdmaUnsol(UNSOL_TEST_NOTIFICATION, kNotificationLength);
   if (!message) {
     LOGE("sendUnsolNotify: out of memory!");
     return 0;

@@ -6,6 +6,7 @@
 
 #include "core/ground/byte_access.h"
 #include "core/ground/hex_text.h"
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
@@ -40,7 +41,6 @@ constexpr VendorMessage<TunerRecord, TunerRecord> kTuner{0x0110};
 constexpr uint16_t kForwardedKind = 0x0181;
 
 constexpr uint8_t kTunerUnsolMsgType = 0;
-constexpr uint32_t kTunerUnsolMsgId = 0x04000F;
 
 }  // namespace
 
@@ -80,7 +80,7 @@ int tunerIndHndlr(qmi_client_type client, uint32_t indication_id, const uint8_t*
   LOGE("tunerIndHndlr: tuner indication is: %d %d", event.data[0], event.data[1]);
   if (loadLe16(event.data) != kForwardedKind) return 0;
   const uint32_t length = std::min(event.length, kTunerIndicationDataMax);
-  const MessageBuffer message = buildGenericUnsol(kTunerUnsolMsgType, kTunerUnsolMsgId, length);
+  const MessageBuffer message = buildGenericUnsol(kTunerUnsolMsgType, UNSOL_TUNER_EVENT, length);
   if (!message) {
     LOGE("tunerIndHndlr: out of memory!");
     return 0;

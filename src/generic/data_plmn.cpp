@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/ground/hex_text.h"
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
@@ -25,7 +26,6 @@ static_assert(sizeof(DataPlmnResponse) == 568);
 constexpr VendorMessage<DataPlmnRequest, DataPlmnResponse> kDataPlmn{0x0016};
 
 constexpr uint8_t kDataPlmnUnsolMsgType = 0;
-constexpr uint32_t kDataPlmnUnsolMsgId = 0x060002;
 
 }  // namespace
 
@@ -48,7 +48,7 @@ int handleDataPlmnRequest(const HookRequest*, uint32_t, uint32_t) {
 }
 
 int dataPlmnIndHndlr(qmi_client_type, uint32_t, const uint8_t*, uint32_t, void*) {
-  const MessageBuffer message = buildGenericUnsol(kDataPlmnUnsolMsgType, kDataPlmnUnsolMsgId, 0);
+  const MessageBuffer message = buildGenericUnsol(kDataPlmnUnsolMsgType, UNSOL_DATA_PLMN, 0);
   if (!message) {
     LOGE("dataPlmnIndHndlr: out of memory!");
     return 0;

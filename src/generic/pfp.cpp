@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
@@ -11,8 +12,6 @@
 namespace kesext {
 
 namespace {
-
-constexpr uint32_t kPfpUnsolMsgId = 0x0200001D;
 
 struct PfpRequest {
   uint32_t value;
@@ -51,7 +50,7 @@ int handleMyPfpRequest(const HookRequest* request, uint32_t, uint32_t) {
 
 int myPfpIndHndlr(qmi_client_type client, uint32_t indication_id, const uint8_t* buffer,
                   uint32_t buffer_length, void*) {
-  const MessageBuffer message = buildCdmaUnsol(kPfpUnsolMsgId, sizeof(mypfp_ind_msg_v01));
+  const MessageBuffer message = buildCdmaUnsol(UNSOL_PFP, sizeof(mypfp_ind_msg_v01));
   if (!message) return 0;
   mypfp_ind_msg_v01 indication{};
   if (qmi_client_message_decode(client, QMI_IDL_INDICATION, indication_id, buffer, buffer_length, &indication,

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
@@ -22,7 +23,6 @@ struct SigCovIndication {
 static_assert(sizeof(SigCovIndication) == 32);
 
 constexpr uint8_t kSigCovUnsolMsgType = 1;
-constexpr uint32_t kSigCovUnsolMsgId = 0x040003;
 
 }  // namespace
 
@@ -62,7 +62,8 @@ int sigcovIndHndlr(qmi_client_type client, uint32_t indication_id, const uint8_t
     LOGE("sigcovIndHndlr: failed to decode ind data");
     return 0;
   }
-  const MessageBuffer message = buildGenericUnsol(kSigCovUnsolMsgType, kSigCovUnsolMsgId, sizeof indication);
+  const MessageBuffer message =
+      buildGenericUnsol(kSigCovUnsolMsgType, UNSOL_SIGNAL_COVERAGE, sizeof indication);
   if (!message) {
     LOGE("sigcovIndHndlr: out of memory!");
     return 0;

@@ -4,6 +4,7 @@
 
 #include "core/ground/byte_access.h"
 #include "core/ground/hex_text.h"
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
@@ -22,8 +23,9 @@ struct NvResponseRow {
 };
 
 constexpr NvResponseRow nvResponseHandlerTable[] = {
-    {0x02000007, 4, handleNvResponse},  {0x02000017, 4, handleNvResponse}, {0x02000019, 4, handleNvResponse},
-    {0x0200000A, 6, handleSpcResponse}, {0x0200000D, 4, handleNvResponse}, {0x0200000F, 4, handleNvResponse},
+    {HOOK_PROTOCOL_REVISION, 4, handleNvResponse}, {HOOK_NV_26_READ, 4, handleNvResponse},
+    {HOOK_NV_27_READ, 4, handleNvResponse},        {HOOK_SPC_VALIDATE, 6, handleSpcResponse},
+    {HOOK_NV_2713_READ, 4, handleNvResponse},      {HOOK_NV_25_READ, 4, handleNvResponse},
 };
 
 constexpr bool sizesFitRdeData() {
