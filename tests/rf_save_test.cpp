@@ -62,10 +62,6 @@ class RfSaveTest : public HookProcessTest {
                   [](const std::string& line) { return line.find("dhob_write") == std::string::npos; });
     return lines;
   }
-  size_t OpenDescriptors() const {
-    const std::filesystem::directory_iterator descriptors("/proc/" + std::to_string(parent_->pid()) + "/fd");
-    return static_cast<size_t>(std::distance(begin(descriptors), end(descriptors)));
-  }
 
   static constexpr const char* kDuplicate = "dhob_write: Duplicate request: Save to HOB already in progress";
   const std::string kSending = E("dhob_write: Sending DYNHOB request to BP");

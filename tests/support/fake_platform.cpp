@@ -12,11 +12,13 @@ std::vector<std::string> fake_log;
 std::vector<FakeSend> fake_sends;
 std::function<int32_t(const FakeSend&, uint8_t*)> fake_modem;
 bool fake_out_of_memory = false;
+std::optional<time_t> fake_time;
 
 void resetFakes() {
   fake_log.clear();
   fake_sends.clear();
   fake_out_of_memory = false;
+  fake_time.reset();
   fake_modem = [](const FakeSend&, uint8_t*) { return 0; };
 }
 
@@ -36,6 +38,14 @@ int __android_log_print(int priority, const char*, const char* format, ...) {
 extern "C" void* __real_calloc(size_t count, size_t size);
 extern "C" void* __wrap_calloc(size_t count, size_t size) {
   return kesext_test::fake_out_of_memory ? nullptr : __real_calloc(count, size);
+}
+
+// The link puts this in place of time.
+extern "C" time_t __real_time(time_t* stored);
+extern "C" time_t __wrap_time(time_t* stored) {
+  const time_t now = kesext_test::fake_time ? *kesext_test::fake_time : __real_time(nullptr);
+  if (stored != nullptr) *stored = now;
+  return now;
 }
 
 namespace kesext {

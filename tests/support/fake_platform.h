@@ -1,8 +1,10 @@
-// What the unit tests put in place of the log and the modem.
+// What the unit tests put in place of the log, the modem and the clock.
 #pragma once
 
 #include <cstdint>
+#include <ctime>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,7 +30,10 @@ extern std::function<int32_t(const FakeSend& sent, uint8_t* response)> fake_mode
 /// Whether allocations of messages fail.
 extern bool fake_out_of_memory;
 
-/// Back to an empty log, no sends, and a modem that answers zeros.
+/// The present time in seconds; the machine's own without a value.
+extern std::optional<time_t> fake_time;
+
+/// Back to an empty log, no sends, a modem that answers zeros, and the machine's time.
 void resetFakes();
 
 }  // namespace kesext_test

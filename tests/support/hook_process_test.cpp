@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 
 namespace kesext_test {
 
@@ -97,6 +99,11 @@ bool HookProcessTest::Logs(std::string_view text) {
 
 Bytes HookProcessTest::NextUnsolicited() {
   return parent_->nextUnsolicited().value_or(Bytes{});
+}
+
+size_t HookProcessTest::OpenDescriptors() const {
+  const std::filesystem::directory_iterator descriptors("/proc/" + std::to_string(parent_->pid()) + "/fd");
+  return static_cast<size_t>(std::distance(begin(descriptors), end(descriptors)));
 }
 
 int HookProcessTest::End() {

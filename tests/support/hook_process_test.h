@@ -64,6 +64,8 @@ class HookProcessTest : public ::testing::Test {
   bool Logs(std::string_view text);
   /// The next unsolicited message; empty when there was none.
   Bytes NextUnsolicited();
+  /// How many descriptors the process has open.
+  [[nodiscard]] size_t OpenDescriptors() const;
   /// Closes the request pipe and gives the exit status.
   int End();
 
