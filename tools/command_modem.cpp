@@ -1,11 +1,10 @@
 #include <fmt/format.h>
-#include <poll.h>
 #include <unistd.h>
 
-#include <iostream>
 #include <memory>
 #include <string>
 
+#include "handset/line_reader.h"
 #include "handset/message_table.h"
 #include "tools/commands.h"
 #include "tools/modem_control.h"
@@ -16,7 +15,8 @@ namespace tools {
 
 namespace {
 
-constexpr int kGlanceMs = 200;
+/// How long a line of the input may wait.
+constexpr handset::Millis kGlance{100};
 
 /// Shows what the modem was asked since the last time.
 void showRequests(handset::Modem& modem) {
@@ -29,29 +29,26 @@ void showRequests(handset::Modem& modem) {
   flushOutput();
 }
 
-/// Whether there is a line to read, or the end of the input.
-bool inputWaits() {
-  pollfd input{STDIN_FILENO, POLLIN, 0};
-  return poll(&input, 1, kGlanceMs) > 0;
+void obey(handset::Modem& modem, const std::string& line) {
+  try {
+    const std::vector<std::string> words = splitWords(line);
+    if (!words.empty()) commandModem(modem, words);
+  } catch (const UsageError& error) {
+    fmt::print(stderr, "{}\n", error.what());
+  }
 }
 
-void serve(handset::Modem& modem) {
-  bool input_ended = false;
+/// Goes on when the input has ended; only an interruption is the end.
+[[noreturn]] void serve(handset::Modem& modem) {
+  const handset::LineReader input(handset::Fd(dup(STDIN_FILENO)));
+  size_t obeyed = 0;
   while (true) {
+    for (const std::string& line : input.lines(obeyed)) {
+      obey(modem, line);
+      ++obeyed;
+    }
+    modem.waitForRequests(1, kGlance);
     showRequests(modem);
-    if (input_ended) {
-      poll(nullptr, 0, kGlanceMs);
-      continue;
-    }
-    if (!inputWaits()) continue;
-    std::string line;
-    input_ended = !std::getline(std::cin, line);
-    try {
-      const std::vector<std::string> words = splitWords(line);
-      if (!words.empty()) commandModem(modem, words);
-    } catch (const UsageError& error) {
-      fmt::print(stderr, "{}\n", error.what());
-    }
   }
 }
 
@@ -60,7 +57,9 @@ void serve(handset::Modem& modem) {
 void addModemCommand(CLI::App& tool, Common& common) {
   CLI::App* command = tool.add_subcommand("modem", "Runs only the simulated modem, for a parent of your own");
   auto root = std::make_shared<std::string>();
-  command->add_option("--root", *root, "the handset folder; made when missing, and kept")->required();
+  command->add_option("--root", *root, "the handset folder; made when missing, and kept")
+      ->required()
+      ->option_text("FOLDER");
   std::string commands = "Lines of the input tell the modem what to do:\n";
   for (const ModemCommandRow& row : modemCommandTable())
     commands += fmt::format("  {:<42} {}\n", fmt::format("{} {}", row.name, row.arguments), row.help);
@@ -70,6 +69,7 @@ void addModemCommand(CLI::App& tool, Common& common) {
   command->callback([&common, root] {
     Station station({.executable = common.executable, .root = *root});
     fmt::print("the modem listens in {}; Ctrl-C ends it\n", *root);
+    flushOutput();
     serve(station.modem());
   });
 }

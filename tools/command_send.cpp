@@ -63,15 +63,17 @@ void addSendCommand(CLI::App& tool, Common& common) {
   command->add_option("request", options->words,
                       "NAME [ARGUMENT ...]: a request by name, its arguments in order or as FIELD=VALUE, and "
                       "spc=CODE for a CDMA\nrequest; or raw HEX");
-  command->add_option(
-      "--root", options->root,
-      "a handset folder that is kept, with the modem that runs there, if one does; without it, "
-      "a fresh one");
+  command
+      ->add_option("--root", options->root,
+                   "a handset folder that is kept, with the modem that runs there, if one does; without it, "
+                   "a fresh one")
+      ->option_text("FOLDER");
   command
       ->add_option("--modem", options->modem_lines,
                    "tells the modem something first, such as 'fail rde-read 90'; may be given again")
-      ->allow_extra_args(false);
-  command->add_option("--instance", options->instance, "the process's instance id");
+      ->allow_extra_args(false)
+      ->option_text("LINE");
+  command->add_option("--instance", options->instance, "the process's instance id")->option_text("N");
   command->add_flag("--json", options->json, "for scripts: request and answer with their fields and bytes");
   command->add_flag("--list", options->list, "tells all requests, their ids and arguments");
   command->footer(

@@ -50,12 +50,15 @@ void addWatchCommand(CLI::App& tool, Common& common) {
   CLI::App* command =
       tool.add_subcommand("watch", "Shows the engineering screens, again and again in the same place");
   auto options = std::make_shared<WatchOptions>();
-  command->add_option("--root", options->root,
-                      "a handset folder, with the modem that runs there; without one, a fresh folder and a "
-                      "modem that reports an example");
+  command
+      ->add_option("--root", options->root,
+                   "a handset folder, with the modem that runs there; without one, a fresh folder and a "
+                   "modem of its own")
+      ->option_text("FOLDER");
   command->add_option("--every", options->seconds, "seconds from one to the next")
-      ->check(CLI::Range(0.05, 3600.0));
-  command->add_option("--count", options->count, "how often; until Ctrl-C when not given");
+      ->check(CLI::Range(0.05, 3600.0))
+      ->option_text("SECONDS");
+  command->add_option("--count", options->count, "how often; until Ctrl-C when not given")->option_text("N");
   command->footer("Example:\n  hookctl watch --root /tmp/handset --every 0.5");
   command->callback([&common, options] {
     Station station({.executable = common.executable, .root = options->root, .share_modem = true});

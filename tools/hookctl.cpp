@@ -54,10 +54,12 @@ int run(int argc, char** argv) {
   Common common{.executable =
                     std::filesystem::read_symlink("/proc/self/exe").parent_path() / "qmi_kesext_hook"};
   tool.add_option("--executable", common.executable, "the process, instead of the one beside this tool")
-      ->check(CLI::ExistingFile);
+      ->check(CLI::ExistingFile)
+      ->option_text("FILE");
   tool.add_option("--colour", common.colour, "auto (on a terminal only), always or never")
       ->transform(CLI::CheckedTransformer(std::map<std::string, ColourWhen>{
-          {"auto", ColourWhen::automatic}, {"always", ColourWhen::always}, {"never", ColourWhen::never}}));
+          {"auto", ColourWhen::automatic}, {"always", ColourWhen::always}, {"never", ColourWhen::never}}))
+      ->option_text("WHEN");
   for (const auto add : {addTourCommand, addSendCommand, addModemCommand, addWatchCommand})
     add(tool, common);
   if (argc > 1) checkCommand(tool, argv[1]);

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
@@ -52,10 +53,12 @@ Station::Station(StationOptions options)
     modem_is_shared_ = options_.share_modem;
     if (!modem_is_shared_)
       throw UsageError(
-          fmt::format("a modem runs in {} already; end it, take another folder, or send requests "
-                      "past it with 'hookctl send --root {}'",
-                      options_.root, options_.root));
+          fmt::format("a modem runs in {} already: end it or take another folder (send and watch can use it, "
+                      "unless they are to tell it something)",
+                      options_.root));
+    return;
   }
+  remove_socket_.emplace([socket = folder_->path("/modem.sock")] { unlink(socket.c_str()); });
 }
 
 void Station::start() {

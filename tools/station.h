@@ -60,6 +60,7 @@ class Station {
   StationOptions options_;
   std::optional<Cleanup> remove_folder_;
   std::optional<handset::Folder> folder_;
+  std::optional<Cleanup> remove_socket_;
   handset::Modem modem_;
   bool modem_is_shared_ = false;
   std::optional<Cleanup> kill_process_;
