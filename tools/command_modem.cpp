@@ -9,6 +9,7 @@
 #include "handset/message_table.h"
 #include "tools/commands.h"
 #include "tools/modem_control.h"
+#include "tools/reference.h"
 #include "tools/station.h"
 #include "tools/usage_error.h"
 
@@ -61,10 +62,7 @@ void addModemCommand(CLI::App& tool, Common& common) {
   CLI::App* command = tool.add_subcommand("modem", "Runs only the simulated modem, for a parent of your own");
   auto root = std::make_shared<std::string>();
   command->add_option("--root", *root, "the handset folder; made when missing, and kept")->required();
-  std::string commands = "Lines of the input tell the modem what to do:\n";
-  for (const ModemCommandRow& row : modemCommandTable())
-    commands += fmt::format("  {:<42} {}\n", fmt::format("{} {}", row.name, row.arguments), row.help);
-  command->footer(commands +
+  command->footer("Lines of the input tell the modem what to do:\n" + modemReference() +
                   "\nExample:\n  hookctl modem --root /tmp/handset &\n"
                   "  HANDSET_ROOT=/tmp/handset qmi_kesext_hook 3 4 5 0");
   command->callback([&common, root] {
