@@ -2,6 +2,7 @@
 
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <array>
@@ -21,7 +22,10 @@ std::string_view textOf(std::string_view line) {
 }  // namespace
 
 LineReader::LineReader(Fd pipe)
-    : pipe_(std::move(pipe)), stop_(eventfd(0, EFD_CLOEXEC)), thread_([this] { run(); }) {}
+    : pipe_(std::move(pipe)),
+      stop_(eventfd(0, EFD_CLOEXEC)),
+      news_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+      thread_([this] { run(); }) {}
 
 LineReader::~LineReader() {
   constexpr uint64_t kOne = 1;
@@ -30,31 +34,50 @@ LineReader::~LineReader() {
 }
 
 void LineReader::run() {
-  std::array<char, 16384> chunk{};
   std::array<pollfd, 2> watched{{{pipe_.get(), POLLIN, 0}, {stop_.get(), POLLIN, 0}}};
   for (;;) {
     if (poll(watched.data(), watched.size(), -1) < 0) continue;
     if (watched[1].revents != 0) break;
-    const ssize_t size = read(pipe_.get(), chunk.data(), chunk.size());
+    const ssize_t size = read();
     if (size < 0 && errno == EINTR) continue;
     if (size <= 0) break;
-    take({chunk.data(), static_cast<size_t>(size)});
   }
   const std::scoped_lock lock(mutex_);
   if (!partial_.empty()) lines_.push_back(std::move(partial_));
   ended_ = true;
-  changed_.notify_all();
+  announce();
+}
+
+/// One read and what it gives, under one lock: for whoever holds it, what is not in the pipe has been taken.
+ssize_t LineReader::read() {
+  std::array<char, 16384> chunk{};
+  const std::scoped_lock lock(mutex_);
+  const ssize_t size = ::read(pipe_.get(), chunk.data(), chunk.size());
+  if (size > 0) take({chunk.data(), static_cast<size_t>(size)});
+  return size;
 }
 
 void LineReader::take(std::string_view chunk) {
-  const std::scoped_lock lock(mutex_);
   for (size_t end = chunk.find('\n'); end != std::string_view::npos; end = chunk.find('\n')) {
     partial_ += chunk.substr(0, end);
     lines_.push_back(std::exchange(partial_, {}));
     chunk.remove_prefix(end + 1);
   }
   partial_ += chunk;
+  announce();
+}
+
+void LineReader::announce() const {
   changed_.notify_all();
+  if (lines_.size() > news_from_) eventfd_write(news_.get(), 1);
+}
+
+std::vector<std::string> LineReader::newLines() {
+  const std::scoped_lock lock(mutex_);
+  eventfd_t ignored = 0;
+  eventfd_read(news_.get(), &ignored);
+  const auto from = static_cast<ptrdiff_t>(std::exchange(news_from_, lines_.size()));
+  return {lines_.begin() + from, lines_.end()};
 }
 
 size_t LineReader::count() const {
@@ -80,6 +103,14 @@ std::optional<size_t> LineReader::waitFor(std::string_view text, size_t from, Mi
   std::unique_lock lock(mutex_);
   changed_.wait_for(lock, timeout, foundOrEnded);
   return found;
+}
+
+void LineReader::catchUp(Millis timeout) const {
+  std::unique_lock lock(mutex_);
+  changed_.wait_for(lock, timeout, [this] {
+    int left = 0;
+    return ended_ || ioctl(pipe_.get(), FIONREAD, &left) != 0 || left == 0;
+  });
 }
 
 bool LineReader::waitForEnd(Millis timeout) const {

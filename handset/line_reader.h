@@ -34,15 +34,26 @@ class LineReader {
   /// ended first.
   std::optional<size_t> waitFor(std::string_view text, size_t from, Millis timeout) const;
 
+  /// The lines since the last call, and a descriptor that can be read while there are some.
+  std::vector<std::string> newLines();
+  [[nodiscard]] int newLinesFd() const { return news_.get(); }
+
+  /// Waits until everything that was written before is among the lines, or the time is up.
+  void catchUp(Millis timeout) const;
+
   /// Waits for the end of the pipe; false when the time passed first.
   bool waitForEnd(Millis timeout) const;
 
  private:
   void run();
+  ssize_t read();
   void take(std::string_view chunk);
+  void announce() const;
 
   Fd pipe_;
   Fd stop_;
+  Fd news_;
+  size_t news_from_ = 0;
   mutable std::mutex mutex_;
   mutable std::condition_variable changed_;
   std::vector<std::string> lines_;

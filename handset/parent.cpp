@@ -100,7 +100,9 @@ class SpawnSettings {
     check(posix_spawnattr_setsigmask(&attributes_, &set), "posix_spawn");
     sigaddset(&set, SIGPIPE);
     check(posix_spawnattr_setsigdefault(&attributes_, &set), "posix_spawn");
-    check(posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF),
+    check(posix_spawnattr_setpgroup(&attributes_, 0), "posix_spawn");
+    check(posix_spawnattr_setflags(&attributes_,
+                                   POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP),
           "posix_spawn");
     check(posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0), "posix_spawn");
   }

@@ -37,8 +37,9 @@ struct ParentOptions {
 /// Requests, answers and unsolicited messages may each be used by a thread of their own, the log by any.
 class Parent {
  public:
-  /// Starts the process. From here on this process ignores SIGPIPE and, where it may, is a member of the
-  /// modem logs' group. Throws std::system_error when the executable cannot be started.
+  /// Starts the process, out of reach of a terminal's Ctrl-C, which is this process's to act upon. From here
+  /// on this process ignores SIGPIPE and, where it may, is a member of the modem logs' group. Throws
+  /// std::system_error when the executable cannot be started.
   explicit Parent(const ParentOptions& options);
   Parent(const Parent&) = delete;
   Parent& operator=(const Parent&) = delete;
@@ -64,6 +65,8 @@ class Parent {
   [[nodiscard]] int unsolicitedFd() const { return unsolicited_.get(); }
 
   [[nodiscard]] pid_t pid() const { return pid_; }
+  /// Can be read once the process has ended.
+  [[nodiscard]] int processFd() const { return process_.get(); }
   void kill(int signal) const;
   /// Waits for the process to end: its exit status, or minus the signal that ended it. Nothing when the time
   /// passed first. The log is complete afterwards.
@@ -79,6 +82,11 @@ class Parent {
   /// Lines as printed: "E RIL-KESEXT: text".
   [[nodiscard]] std::vector<std::string> logsSince(size_t mark) const { return log_->lines(mark); }
   [[nodiscard]] std::vector<std::string> logs() const { return log_->lines(); }
+  /// The lines since the last call, and a descriptor that can be read while there are some.
+  std::vector<std::string> newLogs() { return log_->newLines(); }
+  [[nodiscard]] int newLogsFd() const { return log_->newLinesFd(); }
+  /// Waits until the log has everything that the process printed so far.
+  void catchUpWithLog(Millis timeout = kTimeout) const { log_->catchUp(timeout); }
 
  private:
   Fd requests_;

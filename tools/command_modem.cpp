@@ -8,6 +8,7 @@
 #include "handset/message_table.h"
 #include "tools/commands.h"
 #include "tools/modem_control.h"
+#include "tools/reference.h"
 #include "tools/station.h"
 #include "tools/usage_error.h"
 
@@ -60,10 +61,7 @@ void addModemCommand(CLI::App& tool, Common& common) {
   command->add_option("--root", *root, "the handset folder; made when missing, and kept")
       ->required()
       ->option_text("FOLDER");
-  std::string commands = "Lines of the input tell the modem what to do:\n";
-  for (const ModemCommandRow& row : modemCommandTable())
-    commands += fmt::format("  {:<42} {}\n", fmt::format("{} {}", row.name, row.arguments), row.help);
-  command->footer(commands +
+  command->footer("Lines of the input tell the modem what to do:\n" + modemReference() +
                   "\nExample:\n  hookctl modem --root /tmp/handset &\n"
                   "  HANDSET_ROOT=/tmp/handset qmi_kesext_hook 3 4 5 0");
   command->callback([&common, root] {

@@ -8,6 +8,7 @@
 #include "tools/encode.h"
 #include "tools/modem_control.h"
 #include "tools/record_json.h"
+#include "tools/reference.h"
 #include "tools/station.h"
 
 namespace tools {
@@ -22,17 +23,6 @@ struct SendOptions {
   bool json = false;
   bool list = false;
 };
-
-std::string idOf(const RequestRow& row) {
-  return row.family == Family::cdma ? fmt::format("0x{:08X}", row.id) : fmt::format("0x{:06X}", row.id);
-}
-
-void listRequests() {
-  for (const RequestRow& row : requestTable()) {
-    fmt::print("  {:<10} {:<18} {}\n", idOf(row), row.command, row.name);
-    if (!row.request.empty()) fmt::print("  {:<29} {}\n", "", argumentHelp(row.request));
-  }
-}
 
 void send(const SendOptions& options, const Common& common) {
   const handset::Bytes request = encodeWords(options.words);
@@ -85,8 +75,10 @@ void addSendCommand(CLI::App& tool, Common& common) {
       "  hookctl send --json plmn 310 120\n"
       "  hookctl send --modem 'fail utility 90' sysinfo-filter 1");
   command->callback([&common, options] {
-    if (options->list) return listRequests();
-    send(*options, common);
+    if (options->list)
+      fmt::print("{}", requestReference());
+    else
+      send(*options, common);
   });
 }
 

@@ -23,5 +23,6 @@ void addTourCommand(CLI::App& tool, Common& common);
 void addSendCommand(CLI::App& tool, Common& common);
 void addModemCommand(CLI::App& tool, Common& common);
 void addWatchCommand(CLI::App& tool, Common& common);
+void addShellCommand(CLI::App& tool, Common& common);
 
 }  // namespace tools

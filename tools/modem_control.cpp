@@ -151,7 +151,7 @@ constexpr ModemCommandRow kCommands[] = {
     {"delay", "MESSAGE MS", "answers a message later", delay},
     {"silent", "MESSAGE", "does not answer a message", silence},
     {"restore", "MESSAGE", "answers a message as at first", restore},
-    {"indicate", "NAME [ARGUMENT ...]", "sends an indication", indicate},
+    {"indicate", "INDICATION [ARGUMENT ...]", "sends an indication", indicate},
     {"publish", "vendor|nas|dms INSTANCES", "how many instances a service has; 0 is none", publish},
     {"stop", "", "goes away, with all connections", stop},
     {"start", "", "comes back", start},

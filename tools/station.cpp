@@ -25,12 +25,12 @@ constexpr size_t kLastLines = 8;
 constexpr handset::Millis kGrace{500};
 constexpr uint16_t kTestNotification = 0x0001;
 
+}  // namespace
+
 std::string describeEnd(int status) {
   if (status >= 0) return fmt::format("the process has ended with status {}", status);
   return fmt::format("the process was ended by signal {} ({})", -status, strsignal(-status));
 }
-
-}  // namespace
 
 Station::Station(StationOptions options)
     : options_(std::move(options)), modem_([this] {
@@ -79,7 +79,12 @@ void Station::start() {
 
 std::optional<int> Station::end() {
   process_->closeRequests();
-  const std::optional<int> status = process_->wait();
+  return waitForEnd(handset::kTimeout);
+}
+
+/// A process that has ended is not to be killed any more: its number may be another's.
+std::optional<int> Station::waitForEnd(handset::Millis timeout) {
+  const std::optional<int> status = process_->wait(timeout);
   if (status) kill_process_.reset();
   return status;
 }
@@ -102,8 +107,10 @@ void Station::settle() {
 }
 
 ProcessTrouble Station::trouble(const std::string& what) {
+  // A process that an interruption has just killed is no trouble: that does not let go before the tool ends.
+  const auto held = holdOffInterruption();
   std::string text = what;
-  if (const std::optional<int> status = process_->wait(kGrace)) text += ": " + describeEnd(*status);
+  if (const std::optional<int> status = waitForEnd(kGrace)) text += ": " + describeEnd(*status);
   text += ". It last logged:";
   const std::vector<std::string> lines = process_->logs();
   for (size_t i = lines.size() - std::min(kLastLines, lines.size()); i < lines.size(); ++i)

@@ -19,6 +19,9 @@ struct ProcessTrouble : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// "the process has ended with status 0": of an exit status, or minus the signal that ended it.
+std::string describeEnd(int status);
+
 struct StationOptions {
   std::string executable;
   std::string root;  // of a handset folder that is kept; empty: a fresh one, which goes with the station
@@ -57,6 +60,8 @@ class Station {
   [[nodiscard]] bool modemIsShared() const { return modem_is_shared_; }
 
  private:
+  std::optional<int> waitForEnd(handset::Millis timeout);
+
   StationOptions options_;
   std::optional<Cleanup> remove_folder_;
   std::optional<handset::Folder> folder_;

@@ -1,0 +1,46 @@
+// hookctl on a terminal, as a person has it.
+#pragma once
+
+#include <sys/types.h>
+#include <termios.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "handset/fd.h"
+
+namespace kesext_test {
+
+class Terminal {
+ public:
+  /// Starts `hookctl ARGUMENTS` on a terminal of 80 columns.
+  explicit Terminal(const std::vector<std::string>& arguments);
+  Terminal(const Terminal&) = delete;
+  Terminal& operator=(const Terminal&) = delete;
+  /// Kills the tool if it still runs.
+  ~Terminal();
+
+  void type(std::string_view keys);
+  /// Waits for a text behind the one that the last successful call found; what is between is returned by
+  /// passed(). False when it does not come.
+  bool shows(std::string_view text);
+  [[nodiscard]] const std::string& passed() const { return passed_; }
+  /// Waits for the tool to end: its status, or minus the signal that ended it; −1 when it does not.
+  int waitForEnd();
+  /// Whether the terminal is as it was before the tool.
+  [[nodiscard]] bool hasItsModesBack() const;
+
+ private:
+  bool readMore();
+
+  handset::Fd screen_;
+  handset::Fd own_line_;  // keeps the modes when the tool is gone
+  handset::Fd tool_;
+  pid_t pid_ = -1;
+  termios modes_{};
+  std::string seen_;
+  std::string passed_;
+};
+
+}  // namespace kesext_test

@@ -1,0 +1,38 @@
+// Where the lines of a shell come from.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "tools/process_news.h"
+
+namespace tools {
+
+/// Waits until standard input can be read, or has ended.
+using WaitForInput = std::function<void(const Interlude&)>;
+
+class LineSource {
+ public:
+  LineSource() = default;
+  LineSource(const LineSource&) = delete;
+  LineSource& operator=(const LineSource&) = delete;
+  virtual ~LineSource() = default;
+
+  /// The next line without its end; nothing at the end of the input.
+  virtual std::optional<std::string> next() = 0;
+};
+
+/// Lines as they stand, without a prompt.
+class PlainLines : public LineSource {
+ public:
+  explicit PlainLines(WaitForInput wait) : wait_(std::move(wait)) {}
+  std::optional<std::string> next() override;
+
+ private:
+  WaitForInput wait_;
+  std::string buffer_;
+  bool ended_ = false;
+};
+
+}  // namespace tools
