@@ -22,14 +22,17 @@ using handset::ByteView;
 constexpr size_t kLastLines = 8;
 /// A process that closes its pipes is given this long to end.
 constexpr handset::Millis kGrace{500};
-constexpr uint16_t kTestNotification = 0x0001;
+/// Longer than the process waits for a silent modem, and for the next of its messages.
+constexpr handset::Millis kAnswerTimeout{60'000};
+/// An indication that the process knows nothing of, and only logs.
+constexpr uint16_t kUnknownIndication = 0xFFFF;
+
+}  // namespace
 
 std::string describeEnd(int status) {
   if (status >= 0) return fmt::format("the process has ended with status {}", status);
   return fmt::format("the process was ended by signal {} ({})", -status, strsignal(-status));
 }
-
-}  // namespace
 
 Station::Station(StationOptions options)
     : options_(std::move(options)), modem_([this] {
@@ -77,12 +80,14 @@ void Station::start() {
 std::optional<int> Station::end() {
   process_->closeRequests();
   const std::optional<int> status = process_->wait();
+  // An interruption kills the process as well, and nothing is to be said of that.
+  const auto held = holdOffInterruption();
   if (status) kill_process_.reset();
   return status;
 }
 
 Bytes Station::ask(ByteView request) {
-  const std::optional<Bytes> answer = process_->ask(request);
+  const std::optional<Bytes> answer = process_->ask(request, kAnswerTimeout);
   if (!answer) throw trouble("no answer came");
   return *answer;
 }
@@ -93,12 +98,16 @@ Bytes Station::nextUnsolicited() {
   return *message;
 }
 
-void Station::settle() {
-  modem_.indicate(kTestNotification, {});
-  nextUnsolicited();
+bool Station::settle() {
+  const size_t mark = process_->logMark();
+  if (modem_.indicate(kUnknownIndication, {}) == 0) return false;
+  if (!process_->waitForLogSince(mark, fmt::format("Unsupported Indicator message {}", kUnknownIndication)))
+    throw trouble("the process did not get through with the indications");
+  return true;
 }
 
 ProcessTrouble Station::trouble(const std::string& what) {
+  const auto held = holdOffInterruption();
   std::string text = what;
   if (const std::optional<int> status = process_->wait(kGrace)) text += ": " + describeEnd(*status);
   text += ". It last logged:";

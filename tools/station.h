@@ -19,6 +19,9 @@ struct ProcessTrouble : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// How a process ended, from its exit status or minus the signal that ended it.
+std::string describeEnd(int status);
+
 struct StationOptions {
   std::string executable;
   std::string root;  // of a handset folder that is kept; empty: a fresh one, which goes with the station
@@ -44,9 +47,9 @@ class Station {
   handset::Bytes ask(handset::ByteView request);
   /// The next unsolicited message. Throws ProcessTrouble when none comes.
   handset::Bytes nextUnsolicited();
-  /// Waits until the process has handled every indication that was sent before: a test notification comes
-  /// behind them, and is taken away. Throws ProcessTrouble.
-  void settle();
+  /// Waits until the process has handled every indication that was sent before: one that it knows nothing of
+  /// comes behind them. False when it has no link to the modem. Throws ProcessTrouble.
+  bool settle();
   /// What went wrong, for a message: `what`, how the process ended, its last log lines.
   [[nodiscard]] ProcessTrouble trouble(const std::string& what);
 
