@@ -109,6 +109,7 @@ TEST_F(Play, AFileThatIsWrongIsSaidWithThePlaceBeforeAnythingStarts) {
       {R"({"file": {"path": "/a/../../b", "text": ""}})", "has no .."},
       {R"({"file": {"path": "/a", "text": "", "link": "/b"}})", "needs text or bytes"},
       {R"({"file": {"path": "/a", "size": -1}})", "takes a number from 0 to"},
+      {R"({"file": {"path": "/a", "size": 1e999}})", "1e999"},
       {R"({"expect": {}})", "does nothing and expects nothing"},
       {"7", "step 1: takes {\"KEY\": VALUE, ...}, not 7"},
       {"", "a scenario has \"steps\""},

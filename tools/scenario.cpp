@@ -175,6 +175,8 @@ Scenario readScenario(const std::string& path) {
     return readSteps(parse(text));
   } catch (const Json::parse_error& error) {
     throw UsageError(fmt::format("{}:{}", path, syntaxError(text, error)));
+  } catch (const Json::exception& error) {  // a number beyond all that can be stored
+    throw UsageError(fmt::format("{}: {}", path, error.what()));
   } catch (const UsageError& error) {
     throw UsageError(fmt::format("{}: {}", path, error.what()));
   }
