@@ -29,6 +29,18 @@ void flushOutput() {
   if (std::fflush(stdout) != 0) throw std::system_error(errno, std::generic_category(), "standard output");
 }
 
+std::string_view outcomeName(Outcome outcome) {
+  switch (outcome) {
+    case Outcome::good:
+      return "ok";
+    case Outcome::wrong:
+      return "WRONG";
+    case Outcome::notPlayed:
+      return "not played";
+  }
+  return "";
+}
+
 Console::Console(ColourWhen when)
     : colour_(when == ColourWhen::always || (when == ColourWhen::automatic && isatty(STDOUT_FILENO) == 1)) {}
 
@@ -64,6 +76,11 @@ void Console::block(std::string_view lines) const {
 
 void Console::note(std::string_view text) const {
   fmt::print("    {}\n", text);
+}
+
+void Console::outcome(size_t number, Outcome outcome, std::string_view title) const {
+  const std::string_view colour = outcome == Outcome::good ? kGreen : outcome == Outcome::wrong ? kRed : kDim;
+  fmt::print("  {:3}  {}{:<10}{}  {}\n", number, paint(colour), outcomeName(outcome), paint(kPlain), title);
 }
 
 void Console::verdict(bool good, std::string_view text) const {

@@ -13,6 +13,10 @@ void flushOutput();
 
 enum class ColourWhen { automatic, always, never };
 
+/// How a step of a scenario went.
+enum class Outcome { good, wrong, notPlayed };
+std::string_view outcomeName(Outcome outcome);
+
 /// Writes to standard output.
 class Console {
  public:
@@ -26,6 +30,8 @@ class Console {
   void note(std::string_view text) const;
   /// Lines of text, each ending in a line feed, as they stand.
   void block(std::string_view lines) const;
+  /// A line of a list of steps.
+  void outcome(size_t number, Outcome outcome, std::string_view title) const;
   void verdict(bool good, std::string_view text) const;
 
  private:

@@ -106,8 +106,7 @@ class Splitter {
   }
   /// A payload of `size` bytes, as its fields say; without fields, as bytes.
   void takePayload(Fields fields, size_t size) {
-    static constexpr FieldSpec kPlain[] = {{"payload", kRest, FieldKind::bytes}};
-    if (fields.empty()) fields = kPlain;
+    if (fields.empty()) fields = kPlainPayload;
     size_t fixed = 0;
     for (const FieldSpec& field : fields)
       if (field.size != kRest) fixed += field.size;
@@ -161,14 +160,13 @@ void takeCdma(Splitter& split, ByteView from_header, Fields fields, bool answer)
   split.takeRemainder(answer ? "end" : "beyond msgLen", answer ? FieldKind::zeros : FieldKind::bytes);
 }
 
-/// The row of a request, or null.
-const RequestRow* rowOf(ByteView request) {
+}  // namespace
+
+const RequestRow* findRequest(ByteView request) {
   if (request.size() < kGenericPayload) return nullptr;
   if (isCdma(request)) return findRequest(Family::cdma, getLe<uint32_t>(request, 0));
   return findRequest(Family::generic, getBe<uint32_t>(request, 0) & 0xFFFFFF);
 }
-
-}  // namespace
 
 DecodedRecord decodeRequest(ByteView record) {
   if (record.size() < kGenericPayload) return unusable(record);
@@ -196,7 +194,7 @@ DecodedRecord decodeAnswer(ByteView request, ByteView record) {
   if (record.size() < kGenericPayload) return unusable(record);
   DecodedRecord decoded;
   Splitter split(record, decoded);
-  if (const RequestRow* asked = rowOf(request); asked != nullptr && asked->bare_answer) {
+  if (const RequestRow* asked = findRequest(request); asked != nullptr && asked->bare_answer) {
     decoded.title = "answer without a header";
     split.takePayload(asked->answer, split.left());
     return decoded;

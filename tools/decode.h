@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "handset/bytes.h"
+#include "tools/record_table.h"
 
 namespace tools {
 
@@ -26,5 +27,8 @@ DecodedRecord decodeRequest(handset::ByteView record);
 /// An answer is read by the request that it answers.
 DecodedRecord decodeAnswer(handset::ByteView request, handset::ByteView record);
 DecodedRecord decodeUnsolicited(handset::ByteView record);
+
+/// The row of a request's record, or null when the process serves no such request.
+const RequestRow* findRequest(handset::ByteView request);
 
 }  // namespace tools

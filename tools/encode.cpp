@@ -101,15 +101,6 @@ Bytes valueBytes(const FieldSpec& field, std::string_view value) {
   return {};
 }
 
-/// A field's bytes in the record: filled up with zeros, never cut.
-Bytes fieldBytes(const FieldSpec& field, std::string_view value) {
-  Bytes bytes = valueBytes(field, value);
-  const bool fits = field.kind == FieldKind::code ? bytes.size() == field.size : bytes.size() <= field.size;
-  if (!fits) throw UsageError(fmt::format("{} takes {}, not '{}'", field.name, allowed(field), value));
-  if (field.size != kRest) bytes.resize(field.size);
-  return bytes;
-}
-
 bool sameName(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
@@ -171,6 +162,14 @@ const RequestRow& takeRequestName(Words& words) {
   return *found;
 }
 
+Bytes encodeField(const FieldSpec& field, std::string_view value) {
+  Bytes bytes = valueBytes(field, value);
+  const bool fits = field.kind == FieldKind::code ? bytes.size() == field.size : bytes.size() <= field.size;
+  if (!fits) throw UsageError(fmt::format("{} takes {}, not '{}'", field.name, allowed(field), value));
+  if (field.size != kRest) bytes.resize(field.size);
+  return bytes;
+}
+
 Bytes encodeFields(std::string_view command, Fields fields, Words arguments) {
   const Given given = readArguments(command, fields, arguments);
   Bytes payload;
@@ -188,7 +187,7 @@ Bytes encodeFields(std::string_view command, Fields fields, Words arguments) {
       payload.resize(payload.size() + field.size);
       continue;
     }
-    const Bytes bytes = fieldBytes(field, value->second);
+    const Bytes bytes = encodeField(field, value->second);
     payload.insert(payload.end(), bytes.begin(), bytes.end());
     if (length == nullptr) continue;
     const Bytes count = littleEndian(static_cast<int64_t>(countOf(field, value->second)), length->size);
@@ -214,7 +213,7 @@ Bytes encodeRequest(const RequestRow& row, Words arguments) {
     throw UsageError(fmt::format("{} would be {} bytes long; a request has at most {}", row.command,
                                  record.size(), kesext::kRequestBufferSize));
   if (row.family == Family::generic) return record;
-  const Bytes code = fieldBytes({"spc", sizeof(kesext::OemHookHeader::spc), FieldKind::code}, spc);
+  const Bytes code = encodeField({"spc", sizeof(kesext::OemHookHeader::spc), FieldKind::code}, spc);
   std::copy(code.begin(), code.end(), record.begin() + offsetof(kesext::OemHookHeader, spc));
   return record;
 }

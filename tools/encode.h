@@ -15,6 +15,10 @@ namespace tools {
 /// there is none.
 const RequestRow& takeRequestName(Words& words);
 
+/// A field's bytes in a record for a value as a person writes it: filled up with zeros, never cut. Throws
+/// UsageError.
+handset::Bytes encodeField(const FieldSpec& field, std::string_view value);
+
 /// The fields' bytes, one after the other, as `command` is given them. Throws UsageError when an argument is
 /// missing, unknown or out of range.
 handset::Bytes encodeFields(std::string_view command, Fields fields, Words arguments);

@@ -54,92 +54,89 @@ std::string messageName(const handset::MessageRow& row) {
   return name;
 }
 
-const handset::MessageRow& findByName(std::string_view name) {
-  for (const handset::MessageRow& row : handset::messageTable())
-    if (messageName(row) == name) return row;
-  const std::vector<std::string> names = messageNames();
-  const std::vector<std::string_view> views(names.begin(), names.end());
-  throw UsageError(fmt::format("the modem has no message '{}'{}", name, didYouMean(name, views)));
-}
-
 void need(Words arguments, size_t least, size_t most, std::string_view usage) {
   if (arguments.size() < least || arguments.size() > most)
     throw UsageError(fmt::format("that takes: {}", usage));
 }
 
-void setRde(Modem& modem, Words arguments) {
+ModemOrder setRde(Words arguments) {
   need(arguments, 2, 2, "set rde INDEX BYTES");
   const auto index = static_cast<uint32_t>(parseNumber("INDEX", arguments[0], 0, kUint32Max));
-  modem.rde().set(index, parseBytes("BYTES", arguments[1]));
+  return [index, bytes = parseBytes("BYTES", arguments[1])](Modem& modem) { modem.rde().set(index, bytes); };
 }
 
-void setBand(Modem& modem, Words arguments) {
+ModemOrder setBand(Words arguments) {
   need(arguments, 2, 2, "set band 10|14 STATUS");
   const int64_t band = parseNumber("the band class", arguments[0], 10, 14);
   if (band != 10 && band != 14) throw UsageError("the band class is 10 or 14");
-  modem.state().setBand(band == 10 ? handset::kBandClass10 : handset::kBandClass14,
-                        static_cast<uint32_t>(parseNumber("STATUS", arguments[1], 0, kUint32Max)));
+  const auto status = static_cast<uint32_t>(parseNumber("STATUS", arguments[1], 0, kUint32Max));
+  return [band, status](Modem& modem) {
+    modem.state().setBand(band == 10 ? handset::kBandClass10 : handset::kBandClass14, status);
+  };
 }
 
-void setBsrTimer(Modem& modem, Words arguments) {
+ModemOrder setBsrTimer(Words arguments) {
   need(arguments, 1, 1, "set bsr-timer SECONDS");
-  modem.state().setBsrTimer(static_cast<uint32_t>(parseNumber("SECONDS", arguments[0], 0, kUint32Max)));
+  const auto seconds = static_cast<uint32_t>(parseNumber("SECONDS", arguments[0], 0, kUint32Max));
+  return [seconds](Modem& modem) { modem.state().setBsrTimer(seconds); };
 }
 
-void setAnswer(Modem& modem, Words arguments) {
+ModemOrder setAnswer(Words arguments) {
   need(arguments, 2, 2, "answer MESSAGE BYTES");
-  const handset::MessageRow& row = findByName(arguments[0]);
+  const handset::MessageRow& row = messageByName(arguments[0]);
   Bytes body = parseBytes("BYTES", arguments[1]);
   if (body.size() > row.response_size)
     throw UsageError(
         fmt::format("{} answers {} bytes, not {}", arguments[0], row.response_size, body.size()));
   body.resize(row.response_size);
-  modem.answer(row.service, row.id, body);
+  return [&row, body](Modem& modem) { modem.answer(row.service, row.id, body); };
 }
 
-void fail(Modem& modem, Words arguments) {
+ModemOrder fail(Words arguments) {
   need(arguments, 2, 2, "fail MESSAGE CODE");
-  const handset::MessageRow& row = findByName(arguments[0]);
-  modem.fail(row.service, row.id, static_cast<int32_t>(parseNumber("CODE", arguments[1], 1, kInt32Max)));
+  const handset::MessageRow& row = messageByName(arguments[0]);
+  const auto code = static_cast<int32_t>(parseNumber("CODE", arguments[1], 1, kInt32Max));
+  return [&row, code](Modem& modem) { modem.fail(row.service, row.id, code); };
 }
 
-void delay(Modem& modem, Words arguments) {
+ModemOrder delay(Words arguments) {
   need(arguments, 2, 2, "delay MESSAGE MS");
-  const handset::MessageRow& row = findByName(arguments[0]);
-  modem.delay(row.service, row.id, handset::Millis(parseNumber("MS", arguments[1], 0, kDelayMax)));
+  const handset::MessageRow& row = messageByName(arguments[0]);
+  const handset::Millis time(parseNumber("MS", arguments[1], 0, kDelayMax));
+  return [&row, time](Modem& modem) { modem.delay(row.service, row.id, time); };
 }
 
-void silence(Modem& modem, Words arguments) {
+ModemOrder silence(Words arguments) {
   need(arguments, 1, 1, "silent MESSAGE");
-  const handset::MessageRow& row = findByName(arguments[0]);
-  modem.silence(row.service, row.id);
+  const handset::MessageRow& row = messageByName(arguments[0]);
+  return [&row](Modem& modem) { modem.silence(row.service, row.id); };
 }
 
-void restore(Modem& modem, Words arguments) {
+ModemOrder restore(Words arguments) {
   need(arguments, 1, 1, "restore MESSAGE");
-  const handset::MessageRow& row = findByName(arguments[0]);
-  modem.restore(row.service, row.id);
+  const handset::MessageRow& row = messageByName(arguments[0]);
+  return [&row](Modem& modem) { modem.restore(row.service, row.id); };
 }
 
-void publish(Modem& modem, Words arguments) {
+ModemOrder publish(Words arguments) {
   need(arguments, 2, 2, "publish vendor|nas|dms INSTANCES");
   constexpr int64_t kInstancesMax = 16;
   for (const auto service : {handset::Service::vendor, handset::Service::nas, handset::Service::dms}) {
     if (handset::serviceName(service) != arguments[0]) continue;
-    modem.publish(service, static_cast<int32_t>(parseNumber("INSTANCES", arguments[1], 0, kInstancesMax)));
-    return;
+    const auto instances = static_cast<int32_t>(parseNumber("INSTANCES", arguments[1], 0, kInstancesMax));
+    return [service, instances](Modem& modem) { modem.publish(service, instances); };
   }
   throw UsageError(fmt::format("there is no service '{}'; there are vendor, nas and dms", arguments[0]));
 }
 
-void stop(Modem& modem, Words arguments) {
+ModemOrder stop(Words arguments) {
   need(arguments, 0, 0, "stop");
-  modem.stop();
+  return [](Modem& modem) { modem.stop(); };
 }
 
-void start(Modem& modem, Words arguments) {
+ModemOrder start(Words arguments) {
   need(arguments, 0, 0, "start");
-  modem.start();
+  return [](Modem& modem) { modem.start(); };
 }
 
 constexpr ModemCommandRow kCommands[] = {
@@ -151,7 +148,7 @@ constexpr ModemCommandRow kCommands[] = {
     {"delay", "MESSAGE MS", "answers a message later", delay},
     {"silent", "MESSAGE", "does not answer a message", silence},
     {"restore", "MESSAGE", "answers a message as at first", restore},
-    {"indicate", "INDICATION [ARGUMENT ...]", "sends an indication", indicate},
+    {"indicate", "INDICATION [ARGUMENT ...]", "sends an indication", indication},
     {"publish", "vendor|nas|dms INSTANCES", "how many instances a service has; 0 is none", publish},
     {"stop", "", "goes away, with all connections", stop},
     {"start", "", "comes back", start},
@@ -165,17 +162,32 @@ std::vector<std::string_view> namesOf(const Rows& rows) {
   return names;
 }
 
-/// A whole package of log.
-void indicateLog(Modem& modem, Words arguments) {
-  need(arguments, 2, 2, "log PACKAGE BYTES");
+/// A whole package of the modem's logs, by the header word that it begins with.
+struct PackageRow {
+  std::string_view name;
+  uint32_t header;
+};
+constexpr PackageRow kPackages[] = {{"log", handset::kLogHeader}, {"kpi", handset::kKpiHeaders[0]}};
+
+ModemOrder package(const PackageRow& row, Words arguments) {
+  need(arguments, 2, 2, fmt::format("{} PACKAGE BYTES", row.name));
   constexpr int64_t kPackageIdMax = 255;
   constexpr size_t kContentMax = 255 * handset::kLogPacketPayloadMax - 4;
-  const auto package = static_cast<uint8_t>(parseNumber("PACKAGE", arguments[0], 0, kPackageIdMax));
+  const auto id = static_cast<uint8_t>(parseNumber("PACKAGE", arguments[0], 0, kPackageIdMax));
   const Bytes content = parseBytes("BYTES", arguments[1]);
   if (content.empty() || content.size() > kContentMax)
     throw UsageError(fmt::format("a package holds 1 to {} bytes", kContentMax));
-  for (const Bytes& packet : handset::logPackage(package, handset::kLogHeader, content))
-    modem.indicate(handset::kUtilityIndicationId, packet);
+  return [packets = handset::logPackage(id, row.header, content)](Modem& modem) {
+    for (const Bytes& packet : packets)
+      modem.indicate(handset::kUtilityIndicationId, packet);
+  };
+}
+
+std::vector<std::string_view> indicationNames() {
+  std::vector<std::string_view> names = namesOf(kIndications);
+  for (const std::string_view name : namesOf(kPackages))
+    names.push_back(name);
+  return names;
 }
 
 }  // namespace
@@ -189,39 +201,51 @@ std::span<const ModemCommandRow> modemCommandTable() {
 }
 
 void commandModem(Modem& modem, Words words) {
+  modemOrder(words)(modem);
+}
+
+ModemOrder modemOrder(Words words) {
   std::string name;
   for (size_t taken = 1; taken <= std::min<size_t>(2, words.size()); ++taken) {
     name += (taken > 1 ? " " : "") + words[taken - 1];
     for (const ModemCommandRow& row : kCommands)
-      if (row.name == name) return row.run(modem, words.subspan(taken));
+      if (row.name == name) return row.read(words.subspan(taken));
   }
   const std::vector<std::string_view> names = namesOf(kCommands);
   throw UsageError(fmt::format("the modem cannot be told '{}'{}; it can be told {}", name,
                                didYouMean(name, names), fmt::join(names, ", ")));
 }
 
-void indicate(Modem& modem, Words words) {
+ModemOrder indication(Words words) {
   if (words.empty())
-    throw UsageError(fmt::format("indicate needs one of {}, log, or an id such as 0x0110",
-                                 fmt::join(namesOf(indicationTable()), ", ")));
+    throw UsageError(
+        fmt::format("indicate needs one of {}, or an id such as 0x0110", fmt::join(indicationNames(), ", ")));
   const std::string& name = words.front();
-  if (name == "log") return indicateLog(modem, words.subspan(1));
+  for (const PackageRow& row : kPackages)
+    if (row.name == name) return package(row, words.subspan(1));
   for (const IndicationRow& row : indicationTable()) {
     if (row.name != name) continue;
     Bytes body = encodeFields(row.name, row.fields, words.subspan(1));
     body.resize(row.size);
-    modem.indicate(row.id, body);
-    return;
+    return [id = row.id, body](Modem& modem) { modem.indicate(id, body); };
   }
   if (!name.starts_with("0x")) {
-    std::vector<std::string_view> names = namesOf(indicationTable());
-    names.emplace_back("log");
+    const std::vector<std::string_view> names = indicationNames();
     throw UsageError(fmt::format("there is no indication '{}'{}", name, didYouMean(name, names)));
   }
   Bytes body;
   for (const std::string& word : words.subspan(1))
     body = handset::concat(body, parseBytes(name, word));
-  modem.indicate(static_cast<uint16_t>(parseNumber("the id", name, 0, 0xFFFF)), body);
+  const auto id = static_cast<uint16_t>(parseNumber("the id", name, 0, 0xFFFF));
+  return [id, body](Modem& modem) { modem.indicate(id, body); };
+}
+
+const handset::MessageRow& messageByName(std::string_view name) {
+  for (const handset::MessageRow& row : handset::messageTable())
+    if (messageName(row) == name) return row;
+  const std::vector<std::string> names = messageNames();
+  const std::vector<std::string_view> views(names.begin(), names.end());
+  throw UsageError(fmt::format("the modem has no message '{}'{}", name, didYouMean(name, views)));
 }
 
 std::vector<std::string> messageNames() {

@@ -246,6 +246,11 @@ constexpr UnsolicitedRow kUnsolicited[] = {
     {Family::generic, UNSOL_DATA_PLMN, "data PLMN changed", {}},
 };
 
+constexpr StatusRow kStatuses[] = {{kesext::HOOK_STATUS_SUCCESS, "success"},
+                                   {kesext::HOOK_STATUS_SPC_INVALID, "code refused"},
+                                   {kesext::HOOK_STATUS_FAILURE, "failure"},
+                                   {kesext::HOOK_STATUS_NOT_SUPPORTED, "not supported"}};
+
 template <typename Row, size_t N>
 const Row* find(const Row (&table)[N], Family family, uint32_t id) {
   for (const Row& row : table)
@@ -271,19 +276,14 @@ const UnsolicitedRow* findUnsolicited(Family family, uint32_t id) {
   return find(kUnsolicited, family, id);
 }
 
+std::span<const StatusRow> statusTable() {
+  return kStatuses;
+}
+
 std::string_view statusName(uint32_t status) {
-  switch (status) {
-    case kesext::HOOK_STATUS_SUCCESS:
-      return "success";
-    case kesext::HOOK_STATUS_SPC_INVALID:
-      return "code refused";
-    case kesext::HOOK_STATUS_FAILURE:
-      return "failure";
-    case kesext::HOOK_STATUS_NOT_SUPPORTED:
-      return "not supported";
-    default:
-      return "unknown";
-  }
+  for (const StatusRow& row : kStatuses)
+    if (row.status == status) return row.name;
+  return "unknown";
 }
 
 }  // namespace tools

@@ -39,6 +39,9 @@ struct FieldSpec {
 
 using Fields = std::span<const FieldSpec>;
 
+/// A payload of which nothing is known.
+inline constexpr FieldSpec kPlainPayload[] = {{"payload", kRest, FieldKind::bytes}};
+
 enum class Family { cdma, generic };
 
 struct RequestRow {
@@ -69,6 +72,14 @@ const RequestRow* findRequest(Family family, uint32_t id);
 
 /// The row of an unsolicited message's id, or null.
 const UnsolicitedRow* findUnsolicited(Family family, uint32_t id);
+
+struct StatusRow {
+  uint32_t status;
+  std::string_view name;
+};
+
+/// The result codes that the process answers with.
+std::span<const StatusRow> statusTable();
 
 /// "success" and so on; "unknown" for a code that the process does not use.
 std::string_view statusName(uint32_t status);

@@ -23,7 +23,10 @@ using handset::ByteView;
 constexpr size_t kLastLines = 8;
 /// A process that closes its pipes is given this long to end.
 constexpr handset::Millis kGrace{500};
-constexpr uint16_t kTestNotification = 0x0001;
+/// Longer than the process waits for a silent modem, and for the next of its messages.
+constexpr handset::Millis kAnswerTimeout{60'000};
+/// An indication that the process knows nothing of, and only logs.
+constexpr uint16_t kUnknownIndication = 0xFFFF;
 
 }  // namespace
 
@@ -82,15 +85,17 @@ std::optional<int> Station::end() {
   return waitForEnd(handset::kTimeout);
 }
 
-/// A process that has ended is not to be killed any more: its number may be another's.
 std::optional<int> Station::waitForEnd(handset::Millis timeout) {
   const std::optional<int> status = process_->wait(timeout);
+  // A process that has ended is not to be killed any more: its number may be another's. One that an
+  // interruption has just killed is no trouble: that does not let go before the tool ends.
+  const auto held = holdOffInterruption();
   if (status) kill_process_.reset();
   return status;
 }
 
 Bytes Station::ask(ByteView request) {
-  const std::optional<Bytes> answer = process_->ask(request);
+  const std::optional<Bytes> answer = process_->ask(request, kAnswerTimeout);
   if (!answer) throw trouble("no answer came");
   return *answer;
 }
@@ -101,13 +106,15 @@ Bytes Station::nextUnsolicited() {
   return *message;
 }
 
-void Station::settle() {
-  modem_.indicate(kTestNotification, {});
-  nextUnsolicited();
+bool Station::settle() {
+  const size_t mark = process_->logMark();
+  if (modem_.indicate(kUnknownIndication, {}) == 0) return false;
+  if (!process_->waitForLogSince(mark, fmt::format("Unsupported Indicator message {}", kUnknownIndication)))
+    throw trouble("the process did not get through with the indications");
+  return true;
 }
 
 ProcessTrouble Station::trouble(const std::string& what) {
-  // A process that an interruption has just killed is no trouble: that does not let go before the tool ends.
   const auto held = holdOffInterruption();
   std::string text = what;
   if (const std::optional<int> status = waitForEnd(kGrace)) text += ": " + describeEnd(*status);

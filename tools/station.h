@@ -47,9 +47,9 @@ class Station {
   handset::Bytes ask(handset::ByteView request);
   /// The next unsolicited message. Throws ProcessTrouble when none comes.
   handset::Bytes nextUnsolicited();
-  /// Waits until the process has handled every indication that was sent before: a test notification comes
-  /// behind them, and is taken away. Throws ProcessTrouble.
-  void settle();
+  /// Waits until the process has handled every indication that was sent before: one that it knows nothing of
+  /// comes behind them. False when it has no link to the modem. Throws ProcessTrouble.
+  bool settle();
   /// What went wrong, for a message: `what`, how the process ended, its last log lines.
   [[nodiscard]] ProcessTrouble trouble(const std::string& what);
 

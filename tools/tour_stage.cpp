@@ -7,29 +7,12 @@
 
 #include "core/ground/hook_message.h"
 #include "tools/decode.h"
+#include "tools/difference.h"
 
 namespace tools {
 
 using handset::Bytes;
 using handset::ByteView;
-
-namespace {
-
-/// The first bytes that differ, beside what they should be.
-std::string difference(ByteView received, ByteView expected) {
-  static constexpr size_t kShown = 16;
-  const auto [at, _] = std::mismatch(received.begin(), received.end(), expected.begin(), expected.end());
-  const auto offset = static_cast<size_t>(at - received.begin());
-  const auto some = [offset](ByteView bytes) {
-    const ByteView rest = bytes.subspan(std::min(offset, bytes.size()));
-    const std::string text = handset::toHex(rest.first(std::min(kShown, rest.size())));
-    return text.empty() ? "the end" : text + (rest.size() > kShown ? " ..." : "");
-  };
-  return fmt::format("differs at byte {} of {}: expected {}, not {} ({} bytes expected)", offset,
-                     received.size(), some(expected), some(received), expected.size());
-}
-
-}  // namespace
 
 void TourStage::end() {
   const std::optional<int> status = station_.end();

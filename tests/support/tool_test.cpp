@@ -7,11 +7,10 @@
 #include <unistd.h>
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <thread>
-
-#include "handset/fd.h"
+#include <utility>
 
 namespace kesext_test {
 
@@ -42,7 +41,7 @@ std::string readAll(const Fd& fd) {
 
 }  // namespace
 
-ToolResult RunTool(const std::vector<std::string>& arguments, std::string_view input) {
+RunningTool::RunningTool(const std::vector<std::string>& arguments) {
   Pipe in;
   Pipe out;
   Pipe err;
@@ -55,23 +54,55 @@ ToolResult RunTool(const std::vector<std::string>& arguments, std::string_view i
   for (const std::string& argument : arguments)
     argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
-  pid_t pid = -1;
-  const int error = posix_spawn(&pid, KESEXT_HOOKCTL, &actions, nullptr, argv.data(), environ);
+  const int error = posix_spawn(&pid_, KESEXT_HOOKCTL, &actions, nullptr, argv.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
-  ToolResult result;
-  if (error != 0) return result;
-  in.read.reset();
-  out.write.reset();
+  if (error != 0) pid_ = -1;
+  in_ = std::move(in.write);
+  out_ = std::move(out.read);
   err.write.reset();
-  std::thread errors([&] { result.err = readAll(err.read); });
-  (void)!write(in.write.get(), input.data(), input.size());
-  in.write.reset();
-  result.out = readAll(out.read);
-  errors.join();
+  errors_ = std::thread([this, read = std::move(err.read)] { result_.err = readAll(read); });
+}
+
+RunningTool::~RunningTool() {
+  if (errors_.joinable()) finish();
+}
+
+void RunningTool::type(std::string_view input) {
+  (void)!write(in_.get(), input.data(), input.size());
+}
+
+bool RunningTool::readMore() {
+  std::array<char, 4096> chunk;
+  const ssize_t count = read(out_.get(), chunk.data(), chunk.size());
+  if (count > 0) result_.out.append(chunk.data(), static_cast<size_t>(count));
+  return count > 0;
+}
+
+bool RunningTool::waitForOutput(std::string_view text) {
+  while (result_.out.find(text) == std::string::npos)
+    if (!readMore()) return false;
+  return true;
+}
+
+void RunningTool::signal(int number) const {
+  if (started()) kill(pid_, number);
+}
+
+ToolResult RunningTool::finish() {
+  closeInput();
+  while (readMore()) {
+  }
+  errors_.join();
   int status = 0;
-  waitpid(pid, &status, 0);
-  result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-  return result;
+  if (started() && waitpid(pid_, &status, 0) == pid_)
+    result_.status = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+  return result_;
+}
+
+ToolResult RunTool(const std::vector<std::string>& arguments, std::string_view input) {
+  RunningTool tool(arguments);
+  tool.type(input);
+  return tool.finish();
 }
 
 ToolTest::ToolTest() {

@@ -2,10 +2,14 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/types.h>
 
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
+
+#include "handset/fd.h"
 
 namespace kesext_test {
 
@@ -13,6 +17,33 @@ struct ToolResult {
   int status = -1;  // minus the signal that ended it
   std::string out;
   std::string err;
+};
+
+/// hookctl while it runs.
+class RunningTool {
+ public:
+  explicit RunningTool(const std::vector<std::string>& arguments);
+  RunningTool(const RunningTool&) = delete;
+  RunningTool& operator=(const RunningTool&) = delete;
+  ~RunningTool();
+
+  [[nodiscard]] bool started() const { return pid_ > 0; }
+  void type(std::string_view input);
+  void closeInput() { in_.reset(); }
+  /// Reads the output until this text has come. False when it ends first.
+  bool waitForOutput(std::string_view text);
+  void signal(int number) const;
+  /// Waits for its end, and for the end of whatever it started: those share its output.
+  ToolResult finish();
+
+ private:
+  bool readMore();
+
+  pid_t pid_ = -1;
+  handset::Fd in_;
+  handset::Fd out_;
+  ToolResult result_;
+  std::thread errors_;
 };
 
 /// Runs `hookctl ARGUMENTS` to its end, with this text as its input.

@@ -1,0 +1,167 @@
+// Scenarios: those that are shipped, and what is said of one that is wrong or does not go as it says.
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "support/tool_test.h"
+
+namespace kesext_test {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+class Play : public ToolTest {
+ protected:
+  ~Play() override { fs::remove_all(own_); }
+
+  /// A file of the test's own.
+  [[nodiscard]] std::string write(const std::string& name, const std::string& text) const {
+    const fs::path path = own_ / name;
+    fs::create_directories(own_);
+    std::ofstream(path) << text;
+    fs::permissions(path, fs::perms::owner_all | fs::perms::group_all);
+    return path;
+  }
+  [[nodiscard]] std::string steps(const std::string& text) const {
+    return write("scenario.json", R"({"steps": [)" + text + "]}");
+  }
+
+ private:
+  fs::path own_ = fs::path(temporary_) / "own";
+};
+
+TEST_F(Play, EveryShippedScenarioGoesAsItSays) {
+  size_t count = 0;
+  for (const auto& file : fs::directory_iterator(KESEXT_SCENARIOS)) {
+    const ToolResult result = RunTool({"play", file.path()});
+    EXPECT_EQ(result.status, 0) << file.path() << "\n" << result.out << result.err;
+    ++count;
+  }
+  EXPECT_GE(count, 4U);
+}
+
+TEST_F(Play, ThePlayGoesOnBehindAStepThatIsWrongAndShowsWhatCame) {
+  const std::string scenario = steps(R"(
+    {"process": "start"},
+    {"request": "rde write 10017 0102"},
+    {"title": "Read", "request": "rde read 10017",
+     "expect": {"status": "failure", "fields": {"length": 3, "data": "0103"}, "log": "no such text", "asked": []}},
+    {"indicate": ["test", "data-plmn"],
+     "expect": {"message": [{"name": "data PLMN changed"},
+                            {"name": "test notification", "fields": {"text": "other"}}]}},
+    {"expect": {"file": [{"path": "/a", "absent": true}, {"path": "/a", "text": ""}],
+                "properties": {"none": "1"}, "dropbox": {"tag": "t", "text": "x"}}},
+    {"modem": "stop"},
+    {"indicate": "test"},
+    {"process": "end", "expect": {"exit": 3}})");
+  const ToolResult result = RunTool({"play", scenario});
+  EXPECT_EQ(result.status, 1);
+  for (const char* said :
+       {"  3  WRONG       Read\n", "status: expected 5 (failure), not 0 (success)",
+        "length: expected 3, not 2", "data differs at byte 1 of 2: expected 03, not 02",
+        "not logged: no such text", "logged: E RIL-KESEXT: Child process waiting for data",
+        "the modem was asked 1 times", "01 02                    data",
+        "message 1: expected data PLMN changed, not unsolicited 0x00000457", "/a: there is no such file",
+        "none: expected 1, not (not set)", "dropbox: expected [t: x], not []",
+        "  6  ok          modem stop\n", "the process has no link to the modem",
+        "exit: expected 3, but the process has ended with status 0", "3 of 8 steps as expected"})
+    EXPECT_THAT(result.out, HasSubstr(said));
+
+  const auto results = nlohmann::json::parse(RunTool({"play", "--json", scenario}).out);
+  ASSERT_EQ(results.size(), 8U);
+  EXPECT_EQ(results[1]["result"], "ok");
+  EXPECT_EQ(results[2]["result"], "WRONG");
+  EXPECT_EQ(results[2]["wrong"][1], "length: expected 3, not 2");
+  EXPECT_EQ(results[3]["messages"].size(), 2U);
+}
+
+TEST_F(Play, AFileThatIsWrongIsSaidWithThePlaceBeforeAnythingStarts) {
+  struct Case {
+    const char* steps;
+    const char* said;
+  };
+  const Case cases[] = {
+      {R"({"proces": "start"})", "step 1: there is no 'proces' here; did you mean process?"},
+      {R"({"process": "start"}, {"title": "Read", "request": "nam raed"})",
+       "step 2 (Read): request: there is no request 'nam raed'; did you mean nam read"},
+      {R"({"request": "nam read"})", "the process does not run here"},
+      {R"({"process": "start"}, {"process": "start"})", "the process runs already"},
+      {R"({"modem": "stop", "file": {}})", "a step does one thing, not modem and file"},
+      {R"({"modem": "stop", "modem": "start"})", "step 1: \"modem\" is given twice"},
+      {R"({"modem": ["stop", "fail rde-raed 1"]})", "did you mean rde-read"},
+      {R"({"modem": 7})", "step 1 (modem 7): modem: takes text, not 7"},
+      {R"({"process": "start"}, {"request": "nam read", "expect": {"fields": {"mnd": 1}}})",
+       "expect fields: the answer to nam read has no field 'mnd'; did you mean mdn"},
+      {R"({"process": "start"}, {"request": "nam read", "expect": {"fields": {"homeSid": 4294967296}}})",
+       "expect fields: homeSid takes a number from 0 to 4294967295, not '4294967296'"},
+      {R"({"process": "start"}, {"request": "nam read", "expect": {"status": "sucess"}})",
+       "did you mean success?"},
+      {R"({"process": "start"}, {"indicate": "test", "expect": {"message": {"name": "PFB"}}})",
+       "did you mean PFP"},
+      {R"({"expect": {"status": "success"}})", "expect status: is of an answer"},
+      {R"({"expect": {"asked": "pfp 0102030405"}})", "pfp asks 4 bytes, not 5"},
+      {R"({"file": {"path": "/a/../../b", "text": ""}})", "has no .."},
+      {R"({"file": {"path": "/a", "text": "", "link": "/b"}})", "needs text or bytes"},
+      {R"({"file": {"path": "/a", "size": -1}})", "takes a number from 0 to"},
+      {R"({"file": {"path": "/a", "size": 1e999}})", "1e999"},
+      {R"({"expect": {}})", "does nothing and expects nothing"},
+      {"7", "step 1: takes {\"KEY\": VALUE, ...}, not 7"},
+      {"", "a scenario has \"steps\""},
+      {"{\"process\": \"start\"},\n  {\"title\" 1}", "scenario.json:2:12: syntax error"},
+  };
+  for (const Case& c : cases) {
+    const ToolResult result = RunTool({"play", steps(c.steps)});
+    EXPECT_EQ(result.status, 2) << c.steps;
+    EXPECT_THAT(result.err, AllOf(HasSubstr("scenario.json:"), HasSubstr(c.said))) << c.steps;
+    EXPECT_EQ(result.out, "");
+  }
+  EXPECT_THAT(RunTool({"play", write("a.json", "[]")}).err, HasSubstr("not []"));
+  EXPECT_THAT(RunTool({"play", "/nowhere"}).err, HasSubstr("/nowhere cannot be read: No such file"));
+  EXPECT_EQ(RunTool({"play", temporary_}).status, 2);
+}
+
+TEST_F(Play, WhatIsBehindTheDeathOfTheProcessIsNotPlayed) {
+  const std::string mortal = write("mortal",
+                                   "#!/bin/sh\n"
+                                   "echo 'E RIL-KESEXT: Child process waiting for data' >&2\n"
+                                   "head -c 1 <&3 >/dev/null\n"
+                                   "echo 'E RIL-KESEXT: last words' >&2\n"
+                                   "exit 3\n");
+  const ToolResult result =
+      RunTool({"--executable", mortal, "play",
+               steps(R"({"process": "start"}, {"request": "nam read"}, {"modem": "stop"})")});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.out, AllOf(HasSubstr("  2  WRONG       request nam read\n"
+                                          "    no answer came: the process has ended with status 3. It last "
+                                          "logged:\n"),
+                                HasSubstr("last words\n"), HasSubstr("  3  not played  modem stop\n"),
+                                HasSubstr("1 of 4 steps as expected")));
+}
+
+TEST_F(Play, AnInterruptionWhileTheModemIsSilentLeavesNothingBehind) {
+  RunningTool tool({"play", steps(R"({"process": "start"}, {"title": "silence", "modem": "silent rde-read"},
+                                     {"title": "read", "request": "nv26 read"})")});
+  EXPECT_TRUE(tool.waitForOutput("silence"));
+  tool.signal(SIGINT);
+  const ToolResult result = tool.finish();
+  EXPECT_EQ(result.status, 128 + SIGINT);
+  EXPECT_THAT(result.out, Not(HasSubstr("read")));
+}
+
+TEST_F(Play, AKeptFolderCanBePlayedInAgain) {
+  const std::string root = temporary_ + "/own/kept";
+  for (int i = 0; i < 2; ++i) {
+    const ToolResult result = RunTool({"play", "--root", root, KESEXT_SCENARIOS "/modem_logs.json"});
+    EXPECT_EQ(result.status, 0) << result.out << result.err;
+  }
+  EXPECT_TRUE(fs::exists(root + "/data/adam"));
+}
+
+}  // namespace
+}  // namespace kesext_test
