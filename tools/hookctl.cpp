@@ -30,6 +30,7 @@ constexpr const char* kExamples =
     "  hookctl tour                        everything at work, each answer held against what it should be\n"
     "  hookctl send rde read 10017         one request; its answer field by field\n"
     "  hookctl send --json bsr-timer set 30\n"
+    "  hookctl decode < logcat.txt         the records in a log, field by field\n"
     "\n"
     "The status is 0 when all was as it should be, 1 when not, 2 when the command line was wrong.\n"
     "hookctl COMMAND --help tells more; hookctl send --list tells the requests.";
@@ -58,7 +59,7 @@ int run(int argc, char** argv) {
   tool.add_option("--colour", common.colour, "auto (on a terminal only), always or never")
       ->transform(CLI::CheckedTransformer(std::map<std::string, ColourWhen>{
           {"auto", ColourWhen::automatic}, {"always", ColourWhen::always}, {"never", ColourWhen::never}}));
-  for (const auto add : {addTourCommand, addSendCommand, addModemCommand, addWatchCommand})
+  for (const auto add : {addTourCommand, addSendCommand, addDecodeCommand, addModemCommand, addWatchCommand})
     add(tool, common);
   if (argc > 1) checkCommand(tool, argv[1]);
   try {

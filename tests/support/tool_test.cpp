@@ -7,9 +7,11 @@
 #include <unistd.h>
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <thread>
+#include <utility>
 
 #include "handset/fd.h"
 
@@ -40,6 +42,17 @@ std::string readAll(const Fd& fd) {
   return text;
 }
 
+/// Stops when the reader goes.
+void writeAll(Fd fd, std::string_view text) {
+  sigset_t broken_pipe;
+  sigemptyset(&broken_pipe);
+  sigaddset(&broken_pipe, SIGPIPE);
+  pthread_sigmask(SIG_BLOCK, &broken_pipe, nullptr);
+  ssize_t count = 0;
+  while (!text.empty() && (count = write(fd.get(), text.data(), text.size())) > 0)
+    text.remove_prefix(static_cast<size_t>(count));
+}
+
 }  // namespace
 
 ToolResult RunTool(const std::vector<std::string>& arguments, std::string_view input) {
@@ -64,10 +77,10 @@ ToolResult RunTool(const std::vector<std::string>& arguments, std::string_view i
   out.write.reset();
   err.write.reset();
   std::thread errors([&] { result.err = readAll(err.read); });
-  (void)!write(in.write.get(), input.data(), input.size());
-  in.write.reset();
+  std::thread feeding([&] { writeAll(std::move(in.write), input); });
   result.out = readAll(out.read);
   errors.join();
+  feeding.join();
   int status = 0;
   waitpid(pid, &status, 0);
   result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
