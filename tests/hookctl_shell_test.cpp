@@ -141,7 +141,7 @@ TEST_F(Shell, AScriptRunsWithoutAPromptAndItsWrongLinesAreCounted) {
             "set bsr-timer, answer, fail, delay, silent, restore, indicate, publish, stop, start\n");
   EXPECT_THAT(result.out, MatchesRegex("    message .*carrier value .*value        7\n.*"
                                        "    request  CDMA request 0x020000BC: [^\n]*\n"
-                                       "    E RIL-KESEXT: Read 18 bytes from pipe\n"
+                                       ".*    E RIL-KESEXT: Read 18 bytes from pipe\n"
                                        ".*    answer .*timer        300\n.*"
                                        "    ril.baseband.config.ver_num  Unknown\n.*"
                                        "  0x0A0006   plmn               reads the name of a network\n"

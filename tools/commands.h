@@ -22,6 +22,7 @@ struct Common {
 void addTourCommand(CLI::App& tool, Common& common);
 void addPlayCommand(CLI::App& tool, Common& common);
 void addSendCommand(CLI::App& tool, Common& common);
+void addDecodeCommand(CLI::App& tool, Common& common);
 void addModemCommand(CLI::App& tool, Common& common);
 void addWatchCommand(CLI::App& tool, Common& common);
 void addShellCommand(CLI::App& tool, Common& common);

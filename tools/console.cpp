@@ -68,6 +68,9 @@ void Console::record(std::string_view direction, const DecodedRecord& decoded,
     }
     if (shown.size() < all.size()) fmt::print("             ... {} more bytes\n", all.size() - shown.size());
   }
+  if (decoded.problem)
+    fmt::print("      {}{:5}  DOES NOT PARSE: {}{}\n", paint(kRed), decoded.problem->offset,
+               decoded.problem->text, paint(kPlain));
 }
 
 void Console::block(std::string_view lines) const {

@@ -25,7 +25,7 @@ class Console {
 
   void section(std::string_view title) const;
   void step(std::string_view title) const;
-  /// One record: a row for each field, its bytes on the left.
+  /// One record: a row for each field, its bytes on the left; in the end where it stops making sense.
   void record(std::string_view direction, const DecodedRecord& decoded, handset::ByteView bytes) const;
   void note(std::string_view text) const;
   /// Lines of text, each ending in a line feed, as they stand.

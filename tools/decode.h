@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,16 +18,30 @@ struct DecodedField {
   std::string value;
 };
 
-struct DecodedRecord {
-  std::string title;  // the record's name, with its id
-  std::vector<DecodedField> fields;
+/// Where a record stops making sense, and why.
+struct RecordProblem {
+  size_t offset = 0;  // in the record, bytes
+  std::string text;
 };
 
-/// Each takes a whole record, as one write gave it. What does not parse becomes a field that says so.
+struct DecodedRecord {
+  std::string title;                 // the record's name, with its id
+  std::vector<DecodedField> fields;  // together the whole record
+  std::optional<RecordProblem> problem;
+};
+
+/// Each takes a whole record, as one write gave it, whatever its bytes are.
 DecodedRecord decodeRequest(handset::ByteView record);
-/// An answer is read by the request that it answers.
+/// An answer is read by the request that it answers; without one, by its own id.
 DecodedRecord decodeAnswer(handset::ByteView request, handset::ByteView record);
 DecodedRecord decodeUnsolicited(handset::ByteView record);
+/// Bytes that are these fields and have no header.
+DecodedRecord decodePlain(std::string_view title, Fields fields, handset::ByteView bytes);
+
+/// Whether this begins as CDMA requests and their answers do.
+bool isCdma(handset::ByteView record);
+/// Whether this is the answer to a generic request that nothing serves.
+bool isErrorReply(handset::ByteView record);
 
 /// The row of a request's record, or null when the process serves no such request.
 const RequestRow* findRequest(handset::ByteView request);

@@ -131,7 +131,8 @@ Given readArguments(std::string_view command, Fields fields, Words arguments) {
     if (!given.emplace(field->name, value).second)
       throw UsageError(fmt::format("{} is given twice", field->name));
   }
-  if (given.empty() && !fields.empty())
+  const auto needed = [](const FieldSpec& field) { return field.when_absent != WhenAbsent::leftOut; };
+  if (given.empty() && std::any_of(fields.begin(), fields.end(), needed))
     throw UsageError(fmt::format("{} needs {}", command, argumentHelp(fields)));
   return given;
 }
@@ -184,7 +185,7 @@ Bytes encodeFields(std::string_view command, Fields fields, Words arguments) {
         length = &field;
         length_at = payload.size();
       }
-      payload.resize(payload.size() + field.size);
+      if (field.when_absent != WhenAbsent::leftOut) payload.resize(payload.size() + field.size);
       continue;
     }
     const Bytes bytes = encodeField(field, value->second);

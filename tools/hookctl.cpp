@@ -32,6 +32,7 @@ constexpr const char* kExamples =
     "  hookctl send --json bsr-timer set 30\n"
     "  hookctl shell                       a prompt: requests, what the modem does, messages as they come\n"
     "  hookctl play scenarios/provisioning.json\n"
+    "  hookctl decode < logcat.txt         the records in a log, field by field\n"
     "\n"
     "The status is 0 when all was as it should be, 1 when not, 2 when the command line was wrong.\n"
     "hookctl COMMAND --help tells more; hookctl send --list tells the requests.";
@@ -62,8 +63,8 @@ int run(int argc, char** argv) {
       ->transform(CLI::CheckedTransformer(std::map<std::string, ColourWhen>{
           {"auto", ColourWhen::automatic}, {"always", ColourWhen::always}, {"never", ColourWhen::never}}))
       ->option_text("WHEN");
-  for (const auto add : {addTourCommand, addShellCommand, addSendCommand, addPlayCommand, addModemCommand,
-                         addWatchCommand})
+  for (const auto add : {addTourCommand, addShellCommand, addSendCommand, addDecodeCommand, addPlayCommand,
+                         addModemCommand, addWatchCommand})
     add(tool, common);
   if (argc > 1) checkCommand(tool, argv[1]);
   try {

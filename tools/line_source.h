@@ -1,10 +1,13 @@
 // Where the lines of a shell come from.
 #pragma once
 
+#include <unistd.h>
+
 #include <functional>
 #include <optional>
 #include <string>
 
+#include "tools/input_lines.h"
 #include "tools/process_news.h"
 
 namespace tools {
@@ -26,13 +29,11 @@ class LineSource {
 /// Lines as they stand, without a prompt.
 class PlainLines : public LineSource {
  public:
-  explicit PlainLines(WaitForInput wait) : wait_(std::move(wait)) {}
+  explicit PlainLines(const WaitForInput& wait) : input_(STDIN_FILENO, [wait] { wait({}); }) {}
   std::optional<std::string> next() override;
 
  private:
-  WaitForInput wait_;
-  std::string buffer_;
-  bool ended_ = false;
+  InputLines input_;
 };
 
 }  // namespace tools

@@ -14,12 +14,20 @@ nlohmann::ordered_json toJson(const DecodedRecord& decoded, handset::ByteView by
                       {"hex", handset::toHex(bytes.subspan(field.offset, field.size), "")}});
   nlohmann::ordered_json record{
       {"title", decoded.title}, {"hex", handset::toHex(bytes, "")}, {"fields", fields}};
+  if (decoded.problem) {
+    record["problem"] = decoded.problem->text;
+    record["problem_offset"] = decoded.problem->offset;
+  }
   return record;
 }
 
 void printJson(const nlohmann::ordered_json& value) {
   constexpr int kIndent = 2;
   fmt::print("{}\n", value.dump(kIndent, ' ', false, nlohmann::json::error_handler_t::replace));
+}
+
+void printJsonLine(const nlohmann::ordered_json& value) {
+  fmt::print("{}\n", value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
 }
 
 }  // namespace tools

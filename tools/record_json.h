@@ -16,4 +16,7 @@ nlohmann::ordered_json toJson(const DecodedRecord& decoded, handset::ByteView by
 /// Prints a value as text of two blanks' depth, with whatever is not UTF-8 replaced.
 void printJson(const nlohmann::ordered_json& value);
 
+/// Prints a value on one line, for a value of many.
+void printJsonLine(const nlohmann::ordered_json& value);
+
 }  // namespace tools

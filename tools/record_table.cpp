@@ -36,7 +36,7 @@ constexpr FieldSpec kElementWrite[] = {{MEMBER(RdeWriteRequest, rde_index), elem
 constexpr FieldSpec kElementAnswer[] = {{MEMBER(RdeReadResponse, rde_index), element},
                                         {MEMBER(RdeReadResponse, record_num), number},
                                         {MEMBER(RdeReadResponse, offset), number},
-                                        {MEMBER(RdeReadResponse, length), number},
+                                        {MEMBER(RdeReadResponse, length), number, kCount},
                                         {"data", kRest, bytes},
                                         {"end", 4, zeros}};
 constexpr FieldSpec kNamInfo[] = {{MEMBER(NamInfo, mdn), text, kZeros},
@@ -62,7 +62,8 @@ constexpr FieldSpec kBandStatus[] = {{"status", 4, number}};
 constexpr FieldSpec kRoamingList[] = {{MEMBER(RoamingListRequest, data_length), number, kCount},
                                       {"data", kRest, bytes}};
 constexpr FieldSpec kProfile[] = {{"profile", 4, number}};
-constexpr FieldSpec kResetFlag[] = {{MEMBER(FactoryResetRequest, reset_flag), hexNumber}};
+constexpr FieldSpec kResetFlag[] = {
+    {MEMBER(FactoryResetRequest, reset_flag), hexNumber, WhenAbsent::leftOut}};
 constexpr FieldSpec kDdtmRead[] = {{"preference", 4, number}};
 constexpr FieldSpec kDdtmWrite[] = {{"preference", 1, number}};
 constexpr FieldSpec kNoCode[] = {{"code", 6, zeros}};

@@ -25,7 +25,7 @@ enum class FieldKind {
 };
 
 /// What stands in a request for a field that is not given.
-enum class WhenAbsent { refused, zeros, lengthOfRest };
+enum class WhenAbsent { refused, zeros, lengthOfRest, leftOut };
 
 /// The one field of a payload that takes what the others leave.
 inline constexpr size_t kRest = SIZE_MAX;

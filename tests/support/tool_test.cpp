@@ -68,7 +68,14 @@ RunningTool::~RunningTool() {
 }
 
 void RunningTool::type(std::string_view input) {
-  (void)!write(in_.get(), input.data(), input.size());
+  // A tool that does not read on to the end is no reason to go.
+  sigset_t broken_pipe;
+  sigemptyset(&broken_pipe);
+  sigaddset(&broken_pipe, SIGPIPE);
+  pthread_sigmask(SIG_BLOCK, &broken_pipe, nullptr);
+  ssize_t count = 0;
+  while (!input.empty() && (count = write(in_.get(), input.data(), input.size())) > 0)
+    input.remove_prefix(static_cast<size_t>(count));
 }
 
 bool RunningTool::readMore() {
@@ -88,10 +95,14 @@ void RunningTool::signal(int number) const {
   if (started()) kill(pid_, number);
 }
 
-ToolResult RunningTool::finish() {
-  closeInput();
+ToolResult RunningTool::finish(std::string_view input) {
+  std::thread feeding([this, input] {
+    type(input);
+    in_.reset();
+  });
   while (readMore()) {
   }
+  feeding.join();
   errors_.join();
   int status = 0;
   if (started() && waitpid(pid_, &status, 0) == pid_)
@@ -100,9 +111,7 @@ ToolResult RunningTool::finish() {
 }
 
 ToolResult RunTool(const std::vector<std::string>& arguments, std::string_view input) {
-  RunningTool tool(arguments);
-  tool.type(input);
-  return tool.finish();
+  return RunningTool(arguments).finish(input);
 }
 
 ToolTest::ToolTest() {

@@ -29,12 +29,12 @@ class RunningTool {
 
   [[nodiscard]] bool started() const { return pid_ > 0; }
   void type(std::string_view input);
-  void closeInput() { in_.reset(); }
   /// Reads the output until this text has come. False when it ends first.
   bool waitForOutput(std::string_view text);
   void signal(int number) const;
-  /// Waits for its end, and for the end of whatever it started: those share its output.
-  ToolResult finish();
+  /// Types the rest of its input, and waits for its end and for that of whatever it started: those share its
+  /// output.
+  ToolResult finish(std::string_view input = {});
 
  private:
   bool readMore();

@@ -1,0 +1,228 @@
+// Records back to their fields: what crosses the pipes, what a log has of it, and what is none.
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "support/sample_records.h"
+#include "support/tool_test.h"
+#include "tools/modem_control.h"
+#include "tools/record_json.h"
+#include "tools/station.h"
+
+namespace kesext_test {
+namespace {
+
+using handset::Bytes;
+using nlohmann::ordered_json;
+using ::testing::HasSubstr;
+using tools::RecordKind;
+using Decode = ToolTest;
+
+std::vector<ordered_json> Objects(const ToolResult& result) {
+  std::vector<ordered_json> objects;
+  std::istringstream lines(result.out);
+  for (std::string line; std::getline(lines, line);)
+    objects.push_back(ordered_json::parse(line, nullptr, false));
+  return objects;
+}
+
+std::vector<ordered_json> DecodeJson(std::vector<std::string> options, const std::string& input) {
+  options.insert(options.begin(), {"decode", "--json"});
+  return Objects(RunTool(options, input));
+}
+
+/// Records that crossed a pipe, each as `send --json` shows it.
+struct Crossed {
+  std::map<RecordKind, std::vector<ordered_json>> by_kind;
+  std::vector<ordered_json> bare;  // the answers that have no header
+
+  void add(RecordKind kind, const tools::DecodedRecord& decoded, const Bytes& bytes) {
+    EXPECT_FALSE(decoded.problem) << decoded.title << ": " << decoded.problem->text << "\n"
+                                  << handset::toHex(bytes);
+    by_kind[kind].push_back(tools::toJson(decoded, bytes));
+  }
+};
+
+Crossed AskForEverything(tools::Station& station) {
+  Crossed crossed;
+  for (const tools::RequestRow& row : tools::requestTable()) {
+    const Bytes request = SampleRequest(row);
+    crossed.add(RecordKind::request, tools::decodeRequest(request), request);
+    const Bytes answer = station.ask(request);
+    if (row.bare_answer)
+      crossed.bare.push_back(tools::toJson(tools::decodeAnswer(request, answer), answer));
+    else
+      crossed.add(RecordKind::answer, tools::decodeAnswer(request, answer), answer);
+  }
+  for (const char* indication :
+       {"test", "pfp 1 2", "utility 0 0B01", "utility 2 0102", "utility 3 0102", "carrier-value 7",
+        "lte-error 1 2 3", "coverage 0102", "tuner 810102", "data-plmn"}) {
+    tools::commandModem(station.modem(), tools::splitWords("indicate " + std::string(indication)));
+    const Bytes message = station.nextUnsolicited();
+    crossed.add(RecordKind::unsolicited, tools::decodeUnsolicited(message), message);
+  }
+  for (const tools::UnsolicitedRow& row : tools::unsolicitedTable()) {
+    const Bytes message = SampleUnsolicited(row);
+    crossed.add(RecordKind::unsolicited, tools::decodeUnsolicited(message), message);
+  }
+  return crossed;
+}
+
+std::string HexLines(const std::vector<ordered_json>& records) {
+  std::string lines;
+  for (const ordered_json& record : records)
+    lines += record["hex"].get<std::string>() + "\n";
+  return lines;
+}
+
+void ExpectSameFields(const ordered_json& decoded, const ordered_json& shown) {
+  EXPECT_EQ(decoded["title"], shown["title"]);
+  EXPECT_EQ(decoded["fields"], shown["fields"]);
+  EXPECT_FALSE(decoded.contains("problem"));
+}
+
+TEST_F(Decode, WhatSendShowsIsReadBackToTheSameFields) {
+  tools::Station station({.executable = KESEXT_BINARY});
+  station.start();
+  const Crossed crossed = AskForEverything(station);
+  for (const auto& [kind, records] : crossed.by_kind) {
+    const std::string name(tools::nameOf(kind));
+    const std::vector<ordered_json> told = DecodeJson({"--as", name}, HexLines(records));
+    const std::vector<ordered_json> guessed = DecodeJson({}, HexLines(records));
+    ASSERT_EQ(told.size(), records.size());
+    ASSERT_EQ(guessed.size(), records.size());
+    for (size_t i = 0; i < records.size(); ++i) {
+      ExpectSameFields(told[i], records[i]);
+      if (guessed[i]["kind"] == name)
+        ExpectSameFields(guessed[i], records[i]);
+      else
+        EXPECT_EQ(guessed[i].value("may_be", ""), name) << guessed[i];
+    }
+  }
+  const std::string bare = HexLines(crossed.bare);
+  for (const char* request : {"data-plmn", "0006000100000000"})
+    ExpectSameFields(DecodeJson({"--request", request}, bare).at(0), crossed.bare.at(0));
+  EXPECT_EQ(station.end(), 0);
+}
+
+TEST_F(Decode, TheTableHasAllRequestsThatTheProcessServesAndNoOthers) {
+  tools::Station station({.executable = KESEXT_BINARY});
+  station.start();
+  for (uint32_t id = 0x02000000; id <= 0x020000FF; ++id) {
+    const Bytes answer = station.ask(handset::cdmaRequest(id, Bytes(264)));
+    const tools::RequestRow* row = tools::findRequest(tools::Family::cdma, id);
+    const bool obsolete = row != nullptr && row->command.starts_with("obsolete");
+    EXPECT_EQ(handset::getLe<uint32_t>(answer, 8) != 6, row != nullptr && !obsolete) << std::hex << id;
+  }
+  for (const uint32_t page : {0x030000U, 0x040000U, 0x050000U, 0x060000U, 0x0A0000U})
+    for (uint32_t id = page; id < page + 0x100; ++id) {
+      const Bytes answer = station.ask(handset::genericRequest(id, Bytes(8)));
+      const bool served = tools::findRequest(tools::Family::generic, id) != nullptr;
+      EXPECT_EQ(!tools::isErrorReply(answer), served) << std::hex << id;
+    }
+  EXPECT_EQ(station.end(), 0);
+}
+
+TEST_F(Decode, OfALogTheDumpsAreReadByWhatTheLineBeforeSays) {
+  const ToolResult result =
+      RunTool({"decode", "--json"},
+              "--------- beginning of main\r\n"
+              "E RIL-KESEXT: Gen NV Write RdeId 4, rec num 0, offset 0, len 2. hexdump...\n"
+              "E RIL-KESEXT: HexDump: Data 0700\r\n"
+              "no tag at all\n"
+              "E RIL-KESEXT: Dumping modem response for QMI_TUNER_REQ_V01...\n"
+              "E RIL-KESEXT: HexDump=buffer overflow\n"
+              "01-02 03:04:05.678  12  34 E RIL-KESEXT: HexDump: Data 07000002"
+              "00000000 0500000000000000 00000000\n"
+              "E RIL-KESEXT: HexDump: Data 07000002\n");
+  EXPECT_EQ(result.status, 1);
+  const std::vector<ordered_json> objects = Objects(result);
+  ASSERT_EQ(objects.size(), 3U);
+  EXPECT_EQ(objects[0]["kind"], "data");
+  EXPECT_EQ(objects[0]["line"], 3);
+  EXPECT_EQ(objects[0]["fields"][0]["hex"], "0700");
+  EXPECT_EQ(objects[1]["kind"], "answer");
+  EXPECT_EQ(objects[1]["line"], 7);
+  EXPECT_FALSE(objects[1].contains("problem"));
+  EXPECT_EQ(objects[2]["problem_offset"], 4);
+}
+
+/// The process's own lines, so that what it says before each dump cannot change unnoticed.
+TEST_F(Decode, EveryDumpInTheProcessesLogIsAnnounced) {
+  tools::Station station({.executable = KESEXT_BINARY});
+  station.start();
+  for (const tools::RequestRow& row : tools::requestTable())
+    station.ask(SampleRequest(row));
+  EXPECT_EQ(station.end(), 0);
+  std::string log;
+  size_t dumps = 0;
+  for (const std::string& line : station.process().logs()) {
+    log += line + "\n";
+    dumps += line.find("HexDump: Data") != std::string::npos ? 1 : 0;
+  }
+  const std::vector<ordered_json> objects = DecodeJson({}, log);
+  EXPECT_EQ(objects.size(), dumps);
+  for (const ordered_json& object : objects)
+    EXPECT_FALSE(object.contains("problem")) << object;
+}
+
+TEST_F(Decode, RecordsStandOnALineInSeveralWordsOrInBlocks) {
+  const std::string plmn = "00 0A0006 00000004\n36017800\n";
+  EXPECT_EQ(RunTool({"decode", "000A0006", "00000004", "3601 7800"}).status, 0);
+  const std::vector<ordered_json> blocks = DecodeJson({"--blocks"}, "\n" + plmn + " \n\n" + plmn);
+  ASSERT_EQ(blocks.size(), 2U);
+  EXPECT_EQ(blocks[1]["line"], 6);
+  EXPECT_EQ(blocks[1]["hex"], "000A00060000000436017800");
+  EXPECT_EQ(DecodeJson({}, plmn).size(), 2U);
+  EXPECT_THAT(RunTool({"decode", "0006000100000000"}).out, HasSubstr("it can be answer as well"));
+}
+
+TEST_F(Decode, WhatIsNoRecordIsSaid) {
+  struct Case {
+    std::vector<std::string> words;
+    std::string input;
+    int status;
+    const char* said;
+  };
+  const Case cases[] = {
+      {{"00 0G"}, "", 1, "    4  DOES NOT PARSE: in the text, \"G\" is no hexadecimal digit"},
+      {{"000"}, "", 1, "    3  DOES NOT PARSE: in the text, the last byte lacks its second digit"},
+      {{}, std::string(200'000, '0'), 1, "131072  DOES NOT PARSE: in the text, more follows"},
+      {{"BD0000020400000000000000000000000000"}, "", 1, "   18  DOES NOT PARSE: the record ends here"},
+      {{"B60000020000000000000000000000000000"}, "", 0, "resets to what the factory set"},
+      {{"FF0000020000000000000000000000000000"}, "", 0, "CDMA request 0x020000FF, an unknown id"},
+      {{}, "", 1, "standard input has no record: 0 lines"},
+      {{}, "E TAG: nothing\n", 1, "standard input has no record: 1 lines"},
+      {{"--request", "data-plnm", "00"}, "", 2, "did you mean data-plmn?"},
+      {{"--request", "data-plmn", "--as", "request", "00"}, "", 2, "leave out --as or say --as answer"},
+      {{"--as", "reply", "00"}, "", 2, "reply"},
+  };
+  for (const Case& c : cases) {
+    std::vector<std::string> words = c.words;
+    words.insert(words.begin(), "decode");
+    const ToolResult result = RunTool(words, c.input);
+    EXPECT_EQ(result.status, c.status) << c.said;
+    EXPECT_THAT(result.out + result.err, HasSubstr(c.said));
+  }
+}
+
+TEST_F(Decode, StopsQuietlyWhenNobodyReadsOn) {
+  const std::string errors = temporary_ + "/errors";
+  const std::string status = temporary_ + "/status";
+  const std::string command = "yes 000A00060000000436017800 2>/dev/null | (" KESEXT_HOOKCTL " decode 2>" +
+                              errors + "; echo $? >" + status + ") | head -1 >/dev/null";
+  EXPECT_EQ(std::system(command.c_str()), 0);
+  std::ifstream file(status);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "1\n");
+  EXPECT_EQ(std::filesystem::file_size(errors), 0U);
+  std::filesystem::remove(errors);
+  std::filesystem::remove(status);
+}
+
+}  // namespace
+}  // namespace kesext_test
