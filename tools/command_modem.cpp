@@ -33,7 +33,9 @@ void showRequests(handset::Modem& modem) {
 void obey(handset::Modem& modem, const std::string& line) {
   try {
     const std::vector<std::string> words = splitWords(line);
-    if (!words.empty()) commandModem(modem, words);
+    if (words.empty()) return;
+    commandModem(modem, words);
+    fmt::print("told    {}\n", line);
   } catch (const UsageError& error) {
     fmt::print(stderr, "{}\n", error.what());
   }

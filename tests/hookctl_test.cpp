@@ -1,0 +1,72 @@
+// What holds for hookctl as a whole, and its commands that go on until they are ended.
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+
+#include "support/tool_test.h"
+
+namespace kesext_test {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
+
+class Hookctl : public ToolTest {
+ protected:
+  Hookctl() : root_(temporary_ + "/handset") {}
+  ~Hookctl() override { std::filesystem::remove_all(root_); }
+
+  const std::string root_;
+};
+
+TEST_F(Hookctl, AModemAloneServesOthersAndDoesWhatItIsTold) {
+  RunningTool modem({"modem", "--root", root_});
+  modem.type("fail utility 90\n");
+  ASSERT_TRUE(modem.waitForOutput("told    fail utility 90"));
+  const ToolResult sent = RunTool({"send", "--root", root_, "sysinfo-filter", "1"});
+  EXPECT_EQ(sent.status, 0);
+  EXPECT_THAT(sent.out, HasSubstr("status       5 (failure)"));
+  EXPECT_TRUE(modem.waitForOutput("vendor  0x000F utility"));
+  const ToolResult refused = RunTool({"send", "--root", root_, "--modem", "stop", "nam", "read"});
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_THAT(refused.err, HasSubstr("a modem runs in " + root_ + " already"));
+  modem.signal(SIGTERM);
+  EXPECT_EQ(modem.finish().status, 128 + SIGTERM);
+  EXPECT_FALSE(std::filesystem::exists(root_ + "/modem.sock"));
+}
+
+TEST_F(Hookctl, TheScreensAreShownAsOftenAsAsked) {
+  const ToolResult result = RunTool({"watch", "--count", "2", "--every", "0.05"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.out, MatchesRegex("Call processing\n.*SID  +4183.*EVDO\n.*pilot PN  +168.*"
+                                       "Call processing\n.*EVDO\n.*"));
+}
+
+TEST_F(Hookctl, CtrlCLeavesNothingWhateverItIsAt) {
+  const std::vector<std::string> commands[] = {{"watch"}, {"tour"}, {"modem", "--root", root_}};
+  for (const std::vector<std::string>& command : commands) {
+    RunningTool tool(command);
+    ASSERT_TRUE(tool.waitForOutput("e"));
+    tool.signal(SIGINT);
+    EXPECT_THAT(tool.finish().status, ::testing::AnyOf(128 + SIGINT, 0)) << command[0];
+    std::filesystem::remove_all(root_);
+    EXPECT_TRUE(std::filesystem::is_empty(temporary_)) << command[0];
+  }
+}
+
+TEST_F(Hookctl, AClosedOutputEndsIt) {
+  for (const std::string command : {"tour", "watch", "send nam read", "send --list"}) {
+    const std::string script =
+        "bash -c 'exec 3> >(:); wait $!; " KESEXT_HOOKCTL " " + command + " >&3 2>" + temporary_ + "/errors'";
+    const int status = std::system(script.c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 1) << command;
+    EXPECT_EQ(std::filesystem::file_size(temporary_ + "/errors"), 0U) << command;
+  }
+  std::filesystem::remove(temporary_ + "/errors");
+}
+
+}  // namespace
+}  // namespace kesext_test
