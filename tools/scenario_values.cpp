@@ -22,11 +22,11 @@ using handset::ByteView;
 }
 
 /// A field's value as a person would type it on the command line.
-std::string writtenValue(const FieldSpec& spec, const Json& value) {
+std::string writtenValue(const FieldSpec& shape, const Json& value) {
   if (value.is_string()) return value.get<std::string>();
   if (value.is_number_integer()) return value.dump();
-  if (!value.is_array() || spec.kind != FieldKind::words)
-    refuse(fmt::format("{}: a text or a number", spec.name), value);
+  if (!value.is_array() || shape.kind != FieldKind::words)
+    refuse(fmt::format("{}: a text or a number", shape.name), value);
   std::vector<std::string> words;
   for (const Json& word : value)
     words.push_back(word.dump());
@@ -94,9 +94,9 @@ std::vector<ExpectedField> readFields(const std::string& owner, Fields fields, c
   needObject(value);
   std::vector<ExpectedField> expected;
   for (const auto& [name, field_value] : value.items()) {
-    const FieldSpec& spec = fieldOf(owner, fields, name);
-    const std::string written = writtenValue(spec, field_value);
-    expected.push_back({&spec, written, encodeField(spec, written)});
+    const FieldSpec& shape = fieldOf(owner, fields, name);
+    const std::string written = writtenValue(shape, field_value);
+    expected.push_back({&shape, written, encodeField(shape, written)});
   }
   return expected;
 }
@@ -105,15 +105,15 @@ std::vector<std::string> compareFields(const std::vector<ExpectedField>& expecte
                                        const DecodedRecord& decoded, ByteView record) {
   std::vector<std::string> wrong;
   for (const ExpectedField& field : expected) {
-    const DecodedField* found = findLast(decoded, field.spec->name);
+    const DecodedField* found = findLast(decoded, field.shape->name);
     const ByteView bytes = found != nullptr ? record.subspan(found->offset, found->size) : ByteView{};
     if (std::equal(bytes.begin(), bytes.end(), field.bytes.begin(), field.bytes.end())) continue;
     if (found == nullptr)
-      wrong.push_back(fmt::format("{}: expected {}, and there is none", field.spec->name, field.written));
-    else if (field.spec->kind == FieldKind::bytes)
-      wrong.push_back(fmt::format("{} {}", field.spec->name, difference(bytes, field.bytes)));
+      wrong.push_back(fmt::format("{}: expected {}, and there is none", field.shape->name, field.written));
+    else if (field.shape->kind == FieldKind::bytes)
+      wrong.push_back(fmt::format("{} {}", field.shape->name, difference(bytes, field.bytes)));
     else
-      wrong.push_back(fmt::format("{}: expected {}, not {}", field.spec->name, field.written, found->value));
+      wrong.push_back(fmt::format("{}: expected {}, not {}", field.shape->name, field.written, found->value));
   }
   return wrong;
 }

@@ -29,7 +29,7 @@ void checkKeys(const Json& object, std::span<const std::string_view> known);
 
 /// A field that a record has to have.
 struct ExpectedField {
-  const FieldSpec* spec;
+  const FieldSpec* shape;
   std::string written;
   handset::Bytes bytes;
 };
