@@ -132,6 +132,11 @@ size_t Modem::requestCount() const {
   return requests_.size();
 }
 
+std::vector<Received> Modem::takeRequests() {
+  const std::scoped_lock lock(mutex_);
+  return std::exchange(requests_, {});
+}
+
 void Modem::clearRequests() {
   const std::scoped_lock lock(mutex_);
   requests_.clear();

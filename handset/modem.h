@@ -95,6 +95,8 @@ class Modem {
   [[nodiscard]] std::vector<Received> requests() const;
   [[nodiscard]] size_t requestCount() const;
   void clearRequests();
+  /// The recorded requests, which are then no longer recorded.
+  std::vector<Received> takeRequests();
   /// Whether requests are recorded; they are at first.
   void recordRequests(bool on);
 

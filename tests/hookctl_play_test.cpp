@@ -69,7 +69,7 @@ TEST_F(Play, ThePlayGoesOnBehindAStepThatIsWrongAndShowsWhatCame) {
         "the modem was asked 1 times", "01 02                    data",
         "message 1: expected data PLMN changed, not unsolicited 0x00000457", "/a: there is no such file",
         "none: expected 1, not (not set)", "dropbox: expected [t: x], not []",
-        "  6  ok          modem stop\n", "the process has no link to the modem",
+        "  6  ok          modem stop\n", "nobody heard the indication: no process is connected to the modem",
         "exit: expected 3, but the process has ended with status 0", "3 of 8 steps as expected"})
     EXPECT_THAT(result.out, HasSubstr(said));
 

@@ -65,7 +65,7 @@ TEST_F(Send, WhatIsWrongIsSaidWithWhatWouldBeRight) {
       {{"bsr-timer", "set"}, "bsr-timer set needs timer (0 to 4294967295)"},
       {{"bsr-timer", "set", "4294967296"}, "timer takes a number from 0 to 4294967295, not '4294967296'"},
       {{"bsr-timer", "set", "-1"}, "timer takes a number from 0"},
-      {{"bsr-timer", "get", "1"}, "bsr-timer get does not take '1'; it takes no arguments"},
+      {{"bsr-timer", "get", "1"}, "bsr-timer get does not take '1'; it takes [spc=6 characters, or none]"},
       {{"nam", "write", "mnd=1"}, "did you mean mdn"},
       {{"nam", "write", "mdn=12345678901234567"}, "mdn takes text of up to 16 characters"},
       {{"nam", "write", "mdn=1", "mdn=2"}, "mdn is given twice"},
@@ -106,6 +106,8 @@ TEST_F(Send, AProcessThatDiesIsShownWithItsEndAndItsLog) {
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.err, HasSubstr("the process did not come to serve requests: the process has ended with "
                                     "status 1. It last logged:"));
+  EXPECT_THAT(RunTool({"--executable", "/etc/passwd", "send", "nam", "read"}).err,
+              HasSubstr("the process cannot be started: "));
 }
 
 }  // namespace

@@ -108,7 +108,7 @@ TEST_F(Shell, AProcessThatDiesIsToldOfAtOnceAndCanBeRestarted) {
                      "logged:\r\n"));
   EXPECT_TRUE(terminal.shows("Child process waiting for data\r\nrestart starts it anew\r\nhook> "));
   terminal.type("bsr-timer get\r");
-  EXPECT_TRUE(terminal.shows("the process has ended; restart starts it anew"));
+  EXPECT_TRUE(terminal.shows("no process serves requests; restart starts one"));
   terminal.type("restart\rbsr-timer get\r");
   EXPECT_TRUE(terminal.shows(" serves requests\r\n"));
   EXPECT_TRUE(terminal.shows("timer        300"));

@@ -57,6 +57,26 @@ TEST_F(Hookctl, CtrlCLeavesNothingWhateverItIsAt) {
   }
 }
 
+TEST_F(Hookctl, CtrlCAtTheVeryStartLeavesNothing) {
+  for (int i = 0; i < 20; ++i) {
+    RunningTool tool({"send", "pfp"});
+    tool.signal(SIGINT);
+    tool.finish();
+    EXPECT_TRUE(std::filesystem::is_empty(temporary_));
+  }
+}
+
+TEST_F(Hookctl, ClosedStandardStreamsAreNoTrouble) {
+  const auto run = [](const std::string& arguments) {
+    const int status = std::system((std::string("bash -c '" KESEXT_HOOKCTL " ") + arguments + "'").c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  };
+  EXPECT_EQ(run("bogus 2>&-"), 2);
+  EXPECT_EQ(run("bogus 2>/dev/full"), 2);
+  EXPECT_EQ(run("send pfp >&-"), 0);
+  EXPECT_EQ(run("shell <&- >/dev/null"), 0);
+}
+
 TEST_F(Hookctl, AClosedOutputEndsIt) {
   for (const std::string command : {"tour", "watch", "send nam read", "send --list"}) {
     const std::string script =

@@ -227,10 +227,7 @@ void addDecodeCommand(CLI::App& tool, Common& common) {
       ->add_option("--as", options->as,
                    "request, answer or unsolicited: what the bytes are, where no log says so")
       ->option_text("KIND")
-      ->transform(CLI::CheckedTransformer(
-          std::map<std::string, RecordKind>{{"request", RecordKind::request},
-                                            {"answer", RecordKind::answer},
-                                            {"unsolicited", RecordKind::unsolicited}}));
+      ->transform(oneOf({"request", "answer", "unsolicited"}));
   command->add_option("--request", options->request,
                       "HEX or NAME of the request that is answered; --as answer goes without saying");
   command->add_flag("--blocks", options->blocks, "a record goes on until an empty line");
@@ -241,8 +238,7 @@ void addDecodeCommand(CLI::App& tool, Common& common) {
     if (!options->words.empty()) {
       decoder.show(fmt::format("{}", fmt::join(options->words, " ")), 0, nullptr);
     } else {
-      if (isatty(STDIN_FILENO) == 1)
-        fmt::print(stderr, "Type or paste records, each on a line; Ctrl-D ends.\n");
+      if (isatty(STDIN_FILENO) == 1) complain("Type or paste records, each on a line; Ctrl-D ends.");
       decoder.showInput();
     }
     common.status = decoder.allParsed() ? kStatusGood : kStatusWrong;

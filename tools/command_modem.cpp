@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <memory>
 #include <string>
 
@@ -21,12 +22,11 @@ constexpr handset::Millis kGlance{100};
 
 /// Shows what the modem was asked since the last time.
 void showRequests(handset::Modem& modem) {
-  for (const handset::Received& request : modem.requests()) {
+  for (const handset::Received& request : modem.takeRequests()) {
     const handset::MessageRow* row = handset::findMessage(request.service, request.id);
     fmt::print("{:<7} 0x{:04X} {:<32} {:5} bytes\n", handset::serviceName(request.service), request.id,
                row != nullptr ? row->name : "(unknown)", request.body.size());
   }
-  modem.clearRequests();
   flushOutput();
 }
 
@@ -37,7 +37,7 @@ void obey(handset::Modem& modem, const std::string& line) {
     commandModem(modem, words);
     fmt::print("told    {}\n", line);
   } catch (const UsageError& error) {
-    fmt::print(stderr, "{}\n", error.what());
+    complain(error.what());
   }
 }
 
@@ -67,6 +67,8 @@ void addModemCommand(CLI::App& tool, Common& common) {
                   "\nExample:\n  hookctl modem --root /tmp/handset &\n"
                   "  HANDSET_ROOT=/tmp/handset qmi_kesext_hook 3 4 5 0");
   command->callback([&common, root] {
+    // In the background of a terminal it is not to be stopped for reading, but to go on without its input.
+    (void)std::signal(SIGTTIN, SIG_IGN);
     Station station({.executable = common.executable, .root = *root});
     fmt::print("the modem listens in {}; Ctrl-C ends it\n", *root);
     flushOutput();

@@ -93,7 +93,8 @@ void addPlayCommand(CLI::App& tool, Common& common) {
       tool.add_subcommand("play", "Plays a scenario: a file that tells what is done and what is expected");
   auto options = std::make_shared<PlayOptions>();
   command->add_option("file", options->file, "the scenario, a JSON file")->required();
-  command->add_option("--root", options->root, "a handset folder that is kept; without it, a fresh one");
+  command->add_option("--root", options->root, "a handset folder that is kept; without it, a fresh one")
+      ->option_text("FOLDER");
   command->add_flag("--json", options->json, "for scripts: an array of the steps' results");
   command->footer(scenarioFormat() +
                   "\nThe whole file is checked before anything is started. The status is 0 when all steps "

@@ -1,5 +1,4 @@
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <memory>
 #include <string>
@@ -32,7 +31,7 @@ std::string screen(Station& station, uint32_t id, std::string (*draw)(handset::B
 }
 
 void watch(Station& station, const WatchOptions& options) {
-  const bool in_place = isatty(STDOUT_FILENO) == 1;
+  const bool in_place = isCapableTerminal();
   for (unsigned shown = 1;; ++shown) {
     const std::string call_processing =
         screen(station, kesext::HOOK_CALL_PROCESSING_DATA, callProcessingScreen);

@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <vector>
 
 #include "tools/console.h"
 
@@ -18,6 +19,9 @@ struct Common {
   ColourWhen colour = ColourWhen::automatic;
   int status = kStatusGood;
 };
+
+/// Of an option that takes one of these names: stores the name's place among them.
+CLI::Validator oneOf(std::vector<std::string> names);
 
 void addTourCommand(CLI::App& tool, Common& common);
 void addPlayCommand(CLI::App& tool, Common& common);

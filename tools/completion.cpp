@@ -38,13 +38,13 @@ void offerArguments(Fields fields, Words given, Candidates& into) {
 }
 
 void offerRequest(const RequestRow& row, Words given, Candidates& into) {
-  static constexpr FieldSpec kCode[] = {{"spc", 6, FieldKind::code}};
   offerArguments(row.request, given, into);
-  if (row.family == Family::cdma) offerArguments(kCode, given, into);
+  if (row.family == Family::cdma) offerArguments({&kSpcField, 1}, given, into);
 }
 
 void offerIndication(Words given, Candidates& into) {
-  if (given.empty()) into.insert("log");
+  for (const PackageRow& row : packageTable())
+    offerPhrase(row.name, given, into);
   for (const IndicationRow& row : indicationTable()) {
     offerPhrase(row.name, given, into);
     if (wordsMatched(row.name, given) > 0) offerArguments(row.fields, given.subspan(1), into);

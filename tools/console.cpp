@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <system_error>
 
 namespace tools {
@@ -41,8 +42,17 @@ std::string_view outcomeName(Outcome outcome) {
   return "";
 }
 
+bool isCapableTerminal() {
+  const char* kind = std::getenv("TERM");
+  return isatty(STDOUT_FILENO) == 1 && kind != nullptr && std::string_view(kind) != "dumb";
+}
+
+void complain(const std::string& text) {
+  (void)!write(STDERR_FILENO, (text + '\n').data(), text.size() + 1);
+}
+
 Console::Console(ColourWhen when)
-    : colour_(when == ColourWhen::always || (when == ColourWhen::automatic && isatty(STDOUT_FILENO) == 1)) {}
+    : colour_(when == ColourWhen::always || (when == ColourWhen::automatic && isCapableTerminal())) {}
 
 void Console::section(std::string_view title) const {
   fmt::print("\n{}{}{}\n", paint(kBold), title, paint(kPlain));

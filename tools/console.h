@@ -1,6 +1,7 @@
 // What the tools print: records with their fields beside the raw bytes.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "handset/bytes.h"
@@ -10,6 +11,12 @@ namespace tools {
 
 /// Lets everything printed so far go out. Throws std::system_error when the reader has gone.
 void flushOutput();
+
+/// Whether standard output is a terminal that can do more than print line by line.
+bool isCapableTerminal();
+
+/// Prints a line on standard error, as far as there is anybody to read it.
+void complain(const std::string& text);
 
 enum class ColourWhen { automatic, always, never };
 

@@ -18,12 +18,11 @@ namespace {
 using handset::Bytes;
 using Given = std::map<std::string_view, std::string_view>;
 
-constexpr std::string_view kSpcArgument = "spc=";
 constexpr size_t kWordSize = 4;  // bytes
 
 /// What a number of this size can be.
 std::pair<int64_t, int64_t> rangeOf(const FieldSpec& field) {
-  const auto bits = static_cast<unsigned>(8 * field.size);
+  const auto bits = static_cast<unsigned>(8 * std::min(field.size, kWordSize));
   const int64_t highest = (int64_t{1} << bits) - 1;
   if (field.kind == FieldKind::signedNumber) return {-(highest / 2) - 1, highest / 2};
   return {0, highest};
@@ -101,6 +100,20 @@ Bytes valueBytes(const FieldSpec& field, std::string_view value) {
   return {};
 }
 
+/// Whether a value with this sign in it can be the field's.
+bool mayHoldEquals(const FieldSpec& field, std::string_view value) {
+  switch (field.kind) {
+    case FieldKind::text:
+    case FieldKind::utf8:
+    case FieldKind::zeroEndedText:
+      return true;
+    case FieldKind::bytes:
+      return value.starts_with("text:") || value.starts_with('@');
+    default:
+      return false;
+  }
+}
+
 bool sameName(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
@@ -113,27 +126,31 @@ std::pair<const FieldSpec*, std::string_view> assign(Fields fields, std::string_
   if (equals != std::string_view::npos)
     for (const FieldSpec& field : fields)
       if (sameName(field.name, argument.substr(0, equals))) return {&field, argument.substr(equals + 1)};
-  for (const FieldSpec& field : fields)
-    if (field.when_absent == WhenAbsent::refused && !given.contains(field.name)) return {&field, argument};
+  for (const FieldSpec& field : fields) {
+    if (field.when_absent != WhenAbsent::refused || given.contains(field.name)) continue;
+    // What stands before the sign is otherwise a name, and wrong.
+    if (equals != std::string_view::npos && !mayHoldEquals(field, argument)) break;
+    return {&field, argument};
+  }
   return {nullptr, argument};
+}
+
+[[noreturn]] void refuseArgument(std::string_view command, Fields fields, std::string_view argument) {
+  const std::string near = didYouMean(argument.substr(0, argument.find('=')), argumentNames(fields));
+  if (!near.empty()) throw UsageError(fmt::format("{} does not take '{}'{}", command, argument, near));
+  const std::string takes = argumentHelp(fields);
+  throw UsageError(fmt::format("{} does not take '{}'; it takes {}", command, argument,
+                               takes.empty() ? "no arguments" : takes));
 }
 
 Given readArguments(std::string_view command, Fields fields, Words arguments) {
   Given given;
   for (const std::string_view argument : arguments) {
     const auto [field, value] = assign(fields, argument, given);
-    if (field == nullptr) {
-      const std::string takes = argumentHelp(fields);
-      throw UsageError(fmt::format("{} does not take '{}'{}; it takes {}", command, argument,
-                                   didYouMean(argument.substr(0, argument.find('=')), argumentNames(fields)),
-                                   takes.empty() ? "no arguments" : takes));
-    }
+    if (field == nullptr) refuseArgument(command, fields, argument);
     if (!given.emplace(field->name, value).second)
       throw UsageError(fmt::format("{} is given twice", field->name));
   }
-  const auto needed = [](const FieldSpec& field) { return field.when_absent != WhenAbsent::leftOut; };
-  if (given.empty() && std::any_of(fields.begin(), fields.end(), needed))
-    throw UsageError(fmt::format("{} needs {}", command, argumentHelp(fields)));
   return given;
 }
 
@@ -141,6 +158,44 @@ Given readArguments(std::string_view command, Fields fields, Words arguments) {
 size_t countOf(const FieldSpec& field, std::string_view value) {
   const size_t size = valueBytes(field, value).size();
   return field.kind == FieldKind::words ? size / kWordSize : size;
+}
+
+Bytes encodeGiven(std::string_view command, Fields fields, const Given& given) {
+  const auto is_given = [&given](const FieldSpec& field) { return given.contains(field.name); };
+  const auto needed = [](const FieldSpec& field) { return field.when_absent != WhenAbsent::leftOut; };
+  if (std::none_of(fields.begin(), fields.end(), is_given) &&
+      std::any_of(fields.begin(), fields.end(), needed))
+    throw UsageError(fmt::format("{} needs {}", command, argumentHelp(fields)));
+  Bytes payload;
+  const FieldSpec* length = nullptr;  // still to be filled in
+  size_t length_at = 0;
+  for (const FieldSpec& field : fields) {
+    const auto value = given.find(field.name);
+    if (value == given.end()) {
+      if (field.when_absent == WhenAbsent::refused)
+        throw UsageError(fmt::format("{} needs {} ({})", command, field.name, allowed(field)));
+      if (field.when_absent == WhenAbsent::lengthOfRest) {
+        length = &field;
+        length_at = payload.size();
+      }
+      if (field.when_absent != WhenAbsent::leftOut) payload.resize(payload.size() + field.size);
+      continue;
+    }
+    const Bytes bytes = encodeField(field, value->second);
+    payload.insert(payload.end(), bytes.begin(), bytes.end());
+    if (length == nullptr) continue;
+    const Bytes count = littleEndian(static_cast<int64_t>(countOf(field, value->second)), length->size);
+    std::copy(count.begin(), count.end(), payload.begin() + static_cast<ptrdiff_t>(length_at));
+    if (field.size == kRest || field.kind == FieldKind::bytes) length = nullptr;
+  }
+  return payload;
+}
+
+/// What a request is given as: its payload, and for a CDMA request the code.
+std::vector<FieldSpec> allFields(const RequestRow& row) {
+  std::vector<FieldSpec> fields(row.request.begin(), row.request.end());
+  if (row.family == Family::cdma) fields.push_back(kSpcField);
+  return fields;
 }
 
 }  // namespace
@@ -172,50 +227,22 @@ Bytes encodeField(const FieldSpec& field, std::string_view value) {
 }
 
 Bytes encodeFields(std::string_view command, Fields fields, Words arguments) {
-  const Given given = readArguments(command, fields, arguments);
-  Bytes payload;
-  const FieldSpec* length = nullptr;  // still to be filled in, at the end of the payload so far or before
-  size_t length_at = 0;
-  for (const FieldSpec& field : fields) {
-    const auto value = given.find(field.name);
-    if (value == given.end()) {
-      if (field.when_absent == WhenAbsent::refused)
-        throw UsageError(fmt::format("{} needs {} ({})", command, field.name, allowed(field)));
-      if (field.when_absent == WhenAbsent::lengthOfRest) {
-        length = &field;
-        length_at = payload.size();
-      }
-      if (field.when_absent != WhenAbsent::leftOut) payload.resize(payload.size() + field.size);
-      continue;
-    }
-    const Bytes bytes = encodeField(field, value->second);
-    payload.insert(payload.end(), bytes.begin(), bytes.end());
-    if (length == nullptr) continue;
-    const Bytes count = littleEndian(static_cast<int64_t>(countOf(field, value->second)), length->size);
-    std::copy(count.begin(), count.end(), payload.begin() + static_cast<ptrdiff_t>(length_at));
-    if (field.size == kRest || field.kind == FieldKind::bytes) length = nullptr;
-  }
-  return payload;
+  return encodeGiven(command, fields, readArguments(command, fields, arguments));
 }
 
 Bytes encodeRequest(const RequestRow& row, Words arguments) {
-  std::string_view spc = "none";
-  std::vector<std::string> for_fields;
-  for (const std::string& argument : arguments) {
-    if (row.family == Family::cdma && argument.starts_with(kSpcArgument))
-      spc = std::string_view(argument).substr(kSpcArgument.size());
-    else
-      for_fields.push_back(argument);
-  }
-  const Bytes payload = encodeFields(row.command, row.request, for_fields);
+  const std::vector<FieldSpec> fields = allFields(row);
+  const Given given = readArguments(row.command, fields, arguments);
+  const Bytes payload = encodeGiven(row.command, row.request, given);
   Bytes record = row.family == Family::generic ? handset::genericRequest(row.id, payload)
                                                : handset::cdmaRequest(row.id, payload);
   if (record.size() > kesext::kRequestBufferSize)
     throw UsageError(fmt::format("{} would be {} bytes long; a request has at most {}", row.command,
                                  record.size(), kesext::kRequestBufferSize));
-  if (row.family == Family::generic) return record;
-  const Bytes code = encodeField({"spc", sizeof(kesext::OemHookHeader::spc), FieldKind::code}, spc);
-  std::copy(code.begin(), code.end(), record.begin() + offsetof(kesext::OemHookHeader, spc));
+  if (const auto code = given.find(kSpcField.name); code != given.end()) {
+    const Bytes bytes = encodeField(kSpcField, code->second);
+    std::copy(bytes.begin(), bytes.end(), record.begin() + offsetof(kesext::OemHookHeader, spc));
+  }
   return record;
 }
 
@@ -244,6 +271,10 @@ std::string argumentHelp(Fields fields) {
       help += fmt::format("[{}={}]", field.name, allowed(field));
   }
   return help;
+}
+
+std::string argumentHelp(const RequestRow& row) {
+  return argumentHelp(allFields(row));
 }
 
 std::vector<std::string_view> argumentNames(Fields fields) {

@@ -31,6 +31,7 @@ handset::Bytes encodeWords(Words words);
 
 /// "mcc (0 to 65535) mnc (0 to 65535)": what fields are given as, for help and errors; empty for none.
 std::string argumentHelp(Fields fields);
+std::string argumentHelp(const RequestRow& row);
 
 /// What "NAME=" may begin an argument for these fields.
 std::vector<std::string_view> argumentNames(Fields fields);

@@ -1,11 +1,12 @@
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <map>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -53,6 +54,9 @@ int run(int argc, char** argv) {
   CLI::App tool{kDescription, "hookctl"};
   tool.footer(kExamples);
   tool.require_subcommand(1);
+  tool.failure_message([](const CLI::App*, const CLI::Error& error) {
+    return fmt::format("hookctl: {}; hookctl COMMAND --help tells what there is\n", error.what());
+  });
   tool.fallthrough();
   Common common{.executable =
                     std::filesystem::read_symlink("/proc/self/exe").parent_path() / "qmi_kesext_hook"};
@@ -60,8 +64,7 @@ int run(int argc, char** argv) {
       ->check(CLI::ExistingFile)
       ->option_text("FILE");
   tool.add_option("--colour", common.colour, "auto (on a terminal only), always or never")
-      ->transform(CLI::CheckedTransformer(std::map<std::string, ColourWhen>{
-          {"auto", ColourWhen::automatic}, {"always", ColourWhen::always}, {"never", ColourWhen::never}}))
+      ->transform(oneOf({"auto", "always", "never"}))
       ->option_text("WHEN");
   for (const auto add : {addTourCommand, addShellCommand, addSendCommand, addDecodeCommand, addPlayCommand,
                          addModemCommand, addWatchCommand})
@@ -75,6 +78,15 @@ int run(int argc, char** argv) {
   return common.status;
 }
 
+/// Whatever is opened later must not be taken for a standard stream that somebody closed.
+void keepStandardDescriptors() {
+  int descriptor = -1;
+  while ((descriptor = open("/dev/null", O_RDWR | O_CLOEXEC)) >= 0 && descriptor <= STDERR_FILENO) {
+    (void)fcntl(descriptor, F_SETFD, 0);
+  }
+  if (descriptor >= 0) close(descriptor);
+}
+
 /// Whether the reader of the output has gone, of which there is nobody to tell.
 bool isClosedOutput(const std::system_error& error) {
   return error.code() == std::errc::broken_pipe;
@@ -83,21 +95,22 @@ bool isClosedOutput(const std::system_error& error) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  keepStandardDescriptors();
   watchForInterruption();
   (void)std::signal(SIGPIPE, SIG_IGN);
+  int status = kStatusWrong;
   try {
-    const int status = run(argc, argv);
-    return std::fflush(stdout) == 0 ? status : kStatusWrong;
+    status = run(argc, argv);
+    flushOutput();
   } catch (const UsageError& error) {
-    std::fflush(stdout);
-    fmt::print(stderr, "hookctl: {}\n", error.what());
-    return kStatusUsage;
+    status = kStatusUsage;
+    complain(std::string("hookctl: ") + error.what());
   } catch (const std::system_error& error) {
-    if (!isClosedOutput(error)) fmt::print(stderr, "hookctl: {}\n", error.what());
-    return kStatusWrong;
+    status = kStatusWrong;
+    if (!isClosedOutput(error)) complain(std::string("hookctl: ") + error.what());
   } catch (const std::exception& error) {
-    std::fflush(stdout);
-    fmt::print(stderr, "hookctl: {}\n", error.what());
-    return kStatusWrong;
+    status = kStatusWrong;
+    complain(std::string("hookctl: ") + error.what());
   }
+  return status;
 }

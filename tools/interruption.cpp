@@ -9,8 +9,9 @@ namespace tools {
 
 namespace {
 
-std::recursive_mutex cleanup_mutex;
-std::list<std::function<void()>> cleanups;  // the latest first
+// Never destroyed: the watching thread may still use them while the tool ends.
+std::recursive_mutex& cleanup_mutex = *new std::recursive_mutex;
+std::list<std::function<void()>>& cleanups = *new std::list<std::function<void()>>;  // the latest first
 
 constexpr int kStatusOfSignals = 128;
 
@@ -19,7 +20,7 @@ constexpr int kStatusOfSignals = 128;
 void watchForInterruption() {
   static sigset_t signals;
   sigemptyset(&signals);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
     sigaddset(&signals, signal);
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   std::thread([] {

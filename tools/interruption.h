@@ -8,8 +8,9 @@
 
 namespace tools {
 
-/// From here on, in this thread and those it starts, SIGINT, SIGTERM and SIGHUP do what all Cleanups say and
-/// end the tool with status 128 and the signal's number. To be called once, before any other thread is there.
+/// From here on, in this thread and those it starts, SIGINT, SIGTERM, SIGHUP and SIGQUIT do what all Cleanups
+/// say and end the tool with status 128 and the signal's number. To be called once, before any other thread
+/// is there.
 void watchForInterruption();
 
 /// What has to be done when the tool is interrupted while this object lives. The latest is done first.

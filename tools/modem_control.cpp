@@ -7,7 +7,9 @@
 
 #include "handset/message_table.h"
 #include "handset/modem_logs.h"
+#include "qmi/vendor_indications.h"
 #include "tools/encode.h"
+#include "tools/interruption.h"
 #include "tools/usage_error.h"
 
 namespace tools {
@@ -36,16 +38,16 @@ constexpr FieldSpec kCoverage[] = {{"record", 32, bytes}};
 constexpr FieldSpec kUtility[] = {{"type", 4, number}, {"len", 4, number, kCount}, {"data", 512, bytes}};
 
 constexpr IndicationRow kIndications[] = {
-    {0x0001, "test", "a test notification", {}, 0},
-    {0x000A, "pfp", "PFP", kPfp, 232},
-    {0x000F, "utility", "utility data: type 0, 2 or 3 goes to the parent, 1 is a packet of log", kUtility,
-     520},
-    {0x0012, "carrier-value", "the carrier's value", kValue, 2},
-    {0x0013, "rf-save", "asks for an RF data save", {}, 0},
-    {0x0016, "data-plmn", "the data PLMN changed", {}, 0},
-    {0x010B, "lte-error", "an LTE error", kLteError, 116},
-    {0x010C, "coverage", "signal coverage", kCoverage, 32},
-    {0x0110, "tuner", "a tuner event; 0x81 first is forwarded", kTuner, 132},
+    {kesext::IND_TEST, "test", "a test notification", {}, 0},
+    {kesext::IND_PFP, "pfp", "PFP", kPfp, 232},
+    {kesext::IND_UTILITY, "utility", "utility data: type 0, 2 or 3 goes to the parent, 1 is a packet of log",
+     kUtility, 520},
+    {kesext::IND_CARRIER_VALUE, "carrier-value", "the carrier's value", kValue, 2},
+    {kesext::IND_RF_SAVE, "rf-save", "asks for an RF data save", {}, 0},
+    {kesext::IND_DATA_PLMN, "data-plmn", "the data PLMN changed", {}, 0},
+    {kesext::IND_LTE_ERROR, "lte-error", "an LTE error", kLteError, 116},
+    {kesext::IND_SIGNAL_COVERAGE, "coverage", "signal coverage", kCoverage, 32},
+    {kesext::IND_TUNER, "tuner", "a tuner event; 0x81 first is forwarded", kTuner, 132},
 };
 
 std::string messageName(const handset::MessageRow& row) {
@@ -136,7 +138,10 @@ ModemOrder stop(Words arguments) {
 
 ModemOrder start(Words arguments) {
   need(arguments, 0, 0, "start");
-  return [](Modem& modem) { modem.start(); };
+  return [](Modem& modem) {
+    const auto held = holdOffInterruption();
+    modem.start();
+  };
 }
 
 constexpr ModemCommandRow kCommands[] = {
@@ -162,12 +167,15 @@ std::vector<std::string_view> namesOf(const Rows& rows) {
   return names;
 }
 
-/// A whole package of the modem's logs, by the header word that it begins with.
-struct PackageRow {
-  std::string_view name;
-  uint32_t header;
+constexpr PackageRow kPackages[] = {
+    {"log", handset::kLogHeader, "a whole package of log, in as many packets as it takes"},
+    {"kpi", handset::kKpiHeaders[0], "a package of performance indicators"},
 };
-constexpr PackageRow kPackages[] = {{"log", handset::kLogHeader}, {"kpi", handset::kKpiHeaders[0]}};
+
+void sendIndication(Modem& modem, uint16_t id, handset::ByteView body) {
+  if (modem.indicate(id, body) == 0)
+    throw UsageError("nobody heard the indication: no process is connected to the modem");
+}
 
 ModemOrder package(const PackageRow& row, Words arguments) {
   need(arguments, 2, 2, fmt::format("{} PACKAGE BYTES", row.name));
@@ -179,7 +187,7 @@ ModemOrder package(const PackageRow& row, Words arguments) {
     throw UsageError(fmt::format("a package holds 1 to {} bytes", kContentMax));
   return [packets = handset::logPackage(id, row.header, content)](Modem& modem) {
     for (const Bytes& packet : packets)
-      modem.indicate(handset::kUtilityIndicationId, packet);
+      sendIndication(modem, handset::kUtilityIndicationId, packet);
   };
 }
 
@@ -194,6 +202,10 @@ std::vector<std::string_view> indicationNames() {
 
 std::span<const IndicationRow> indicationTable() {
   return kIndications;
+}
+
+std::span<const PackageRow> packageTable() {
+  return kPackages;
 }
 
 std::span<const ModemCommandRow> modemCommandTable() {
@@ -227,7 +239,7 @@ ModemOrder indication(Words words) {
     if (row.name != name) continue;
     Bytes body = encodeFields(row.name, row.fields, words.subspan(1));
     body.resize(row.size);
-    return [id = row.id, body](Modem& modem) { modem.indicate(id, body); };
+    return [id = row.id, body](Modem& modem) { sendIndication(modem, id, body); };
   }
   if (!name.starts_with("0x")) {
     const std::vector<std::string_view> names = indicationNames();
@@ -237,7 +249,7 @@ ModemOrder indication(Words words) {
   for (const std::string& word : words.subspan(1))
     body = handset::concat(body, parseBytes(name, word));
   const auto id = static_cast<uint16_t>(parseNumber("the id", name, 0, 0xFFFF));
-  return [id, body](Modem& modem) { modem.indicate(id, body); };
+  return [id, body](Modem& modem) { sendIndication(modem, id, body); };
 }
 
 const handset::MessageRow& messageByName(std::string_view name) {

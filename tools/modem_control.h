@@ -25,6 +25,14 @@ struct IndicationRow {
 };
 std::span<const IndicationRow> indicationTable();
 
+/// A whole package of the modem's logs that it can send, PACKAGE BYTES, by the header word it begins with.
+struct PackageRow {
+  std::string_view name;
+  uint32_t header;
+  std::string_view help;
+};
+std::span<const PackageRow> packageTable();
+
 /// Something that the modem is told, once it is to be.
 using ModemOrder = std::function<void(handset::Modem&)>;
 

@@ -56,7 +56,7 @@ std::optional<bool> ProcessNews::waitOnce(int fd, const Interlude& interlude, De
   watched[kWanted] = {fd, POLLIN, 0};
   watched[kOutput] = {STDOUT_FILENO, 0, 0};
   watched[kMessages] = {serving_ && hears_messages_ ? station_.process().unsolicitedFd() : -1, POLLIN, 0};
-  watched[kLog] = {shows_logs_ ? station_.process().newLogsFd() : -1, POLLIN, 0};
+  watched[kLog] = {shows_logs_ && station_.started() ? station_.process().newLogsFd() : -1, POLLIN, 0};
   watched[kProcess] = {serving_ ? station_.process().processFd() : -1, POLLIN, 0};
   const int ready = poll(watched, kCount, pollTime(deadline));
   if (ready == 0) return std::nullopt;
@@ -71,7 +71,7 @@ std::optional<bool> ProcessNews::waitOnce(int fd, const Interlude& interlude, De
     news.trouble =
         station_.trouble("nothing serves requests any more").what() + std::string("\nrestart starts it anew");
   }
-  if (shows_logs_) news.lines = station_.process().newLogs();
+  if (shows_logs_ && station_.started()) news.lines = station_.process().newLogs();
   if (!news.messages.empty() || !news.lines.empty() || !news.trouble.empty()) {
     interlude.before();
     show(news);
@@ -134,13 +134,13 @@ bool ProcessNews::waitForEnd(Millis timeout) {
 }
 
 void ProcessNews::showLog() {
-  if (!shows_logs_) return;
+  if (!shows_logs_ || !station_.started()) return;
   station_.process().catchUpWithLog();
   show({.lines = station_.process().newLogs()});
 }
 
 void ProcessNews::showLogs(bool on) {
-  station_.process().newLogs();
+  if (station_.started()) station_.process().newLogs();
   shows_logs_ = on;
 }
 

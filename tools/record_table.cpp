@@ -165,7 +165,7 @@ constexpr RequestRow kRequests[] = {
     {Family::cdma,
      HOOK_SPC_VALIDATE,
      "spc validate",
-     "validates the service programming code: spc=CODE",
+     "validates the service programming code that is in spc",
      {},
      kNoCode},
     {Family::cdma, HOOK_NV_2713_READ, "nv2713 read", "reads element 0x2713", {}, kElementWord},

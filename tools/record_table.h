@@ -7,6 +7,8 @@
 #include <span>
 #include <string_view>
 
+#include "core/ground/hook_message.h"
+
 namespace tools {
 
 enum class FieldKind {
@@ -43,6 +45,10 @@ using Fields = std::span<const FieldSpec>;
 inline constexpr FieldSpec kPlainPayload[] = {{"payload", kRest, FieldKind::bytes}};
 
 enum class Family { cdma, generic };
+
+/// What every CDMA request may have as well.
+inline constexpr FieldSpec kSpcField{"spc", sizeof(kesext::OemHookHeader::spc), FieldKind::code,
+                                     WhenAbsent::zeros};
 
 struct RequestRow {
   Family family;

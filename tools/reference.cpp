@@ -27,7 +27,8 @@ std::string requestReference(std::string_view name) {
   for (const RequestRow& row : requestTable()) {
     if (!namedBy(row.command, name)) continue;
     text += fmt::format("  {:<10} {:<18} {}\n", idOf(row), row.command, row.name);
-    if (!row.request.empty()) text += fmt::format("  {:<29} {}\n", "", argumentHelp(row.request));
+    if (const std::string takes = argumentHelp(row); !takes.empty())
+      text += fmt::format("  {:<29} {}\n", "", takes);
   }
   return text;
 }
@@ -45,7 +46,9 @@ std::string modemNamesReference() {
     text += fmt::format("  {:<14} {}\n", row.name, row.help);
     if (!row.fields.empty()) text += fmt::format("  {:<14} {}\n", "", argumentHelp(row.fields));
   }
-  text += "  log PACKAGE BYTES: a whole package of log; or an id such as 0x0110, and bytes\n";
+  for (const PackageRow& row : packageTable())
+    text += fmt::format("  {:<14} {}\n  {:<14} PACKAGE BYTES\n", row.name, row.help, "");
+  text += "  0x0110         any other, by its id, and bytes\n";
   text += "A MESSAGE is one of\n";
   for (const std::string& name : messageNames())
     text += fmt::format("  {}\n", name);

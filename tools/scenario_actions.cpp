@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include "tools/encode.h"
+#include "tools/interruption.h"
 #include "tools/modem_control.h"
 #include "tools/scenario_files.h"
 #include "tools/scenario_steps.h"
@@ -106,6 +107,7 @@ Deed readFile(const Json& value, Reading&) {
   for (const Json* file : eachOf(value))
     files.push_back(readFileDescription(*file));
   return [files](Play& play) {
+    const auto held = holdOffInterruption();
     for (const FileDescription& file : files)
       makeFile(play.station.folder(), file);
   };
@@ -113,6 +115,7 @@ Deed readFile(const Json& value, Reading&) {
 
 Deed readProperties(const Json& value, Reading&) {
   return [properties = readPropertyTexts(value)](Play& play) {
+    const auto held = holdOffInterruption();
     makeProperties(play.station.folder(), properties);
   };
 }

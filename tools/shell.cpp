@@ -84,10 +84,7 @@ bool Shell::run(const std::string& line) {
 void Shell::report(const std::string& what) {
   troubled_ = true;
   flushOutput();
-  if (line_number_)
-    fmt::print(stderr, "line {}: {}\n", *line_number_, what);
-  else
-    fmt::print(stderr, "{}\n", what);
+  complain(line_number_ ? fmt::format("line {}: {}", *line_number_, what) : what);
 }
 
 void Shell::execute(Words words) {
@@ -108,7 +105,7 @@ void Shell::execute(Words words) {
 }
 
 void Shell::needProcess() const {
-  if (!news_.serving()) throw UsageError("the process has ended; restart starts it anew");
+  if (!news_.serving()) throw UsageError("no process serves requests; restart starts one");
 }
 
 Bytes Shell::ask(handset::ByteView request) {

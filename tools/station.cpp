@@ -28,6 +28,24 @@ constexpr handset::Millis kAnswerTimeout{60'000};
 /// An indication that the process knows nothing of, and only logs.
 constexpr uint16_t kUnknownIndication = 0xFFFF;
 
+/// Whatever else still writes there meanwhile.
+void removeWhole(const std::string& folder) {
+  constexpr int kTries = 100;
+  std::error_code error;
+  for (int i = 0; i < kTries; ++i) {
+    std::filesystem::remove_all(folder, error);
+    if (!std::filesystem::exists(folder, error)) return;
+  }
+}
+
+void openFolder(std::optional<handset::Folder>& folder, const std::string& root) {
+  try {
+    folder.emplace(root);
+  } catch (const std::filesystem::filesystem_error& error) {
+    throw UsageError(fmt::format("{} cannot be a handset folder: {}", root, error.code().message()));
+  }
+}
+
 }  // namespace
 
 std::string describeEnd(int status) {
@@ -40,37 +58,54 @@ Station::Station(StationOptions options)
         const auto held = holdOffInterruption();
         if (options_.root.empty()) {
           folder_.emplace();
-          remove_folder_.emplace([root = folder_->root()] {
-            std::error_code ignored;
-            std::filesystem::remove_all(root, ignored);
-          });
+          remove_folder_.emplace([root = folder_->root()] { removeWhole(root); });
         } else {
-          folder_.emplace(options_.root);
+          openFolder(folder_, options_.root);
         }
         return folder_->root();
       }()) {
+  const auto held = holdOffInterruption();
   try {
     modem_.start();
   } catch (const std::system_error& error) {
     if (error.code() != std::errc::address_in_use) throw;
     modem_is_shared_ = options_.share_modem;
     if (!modem_is_shared_)
-      throw UsageError(
-          fmt::format("a modem runs in {} already: end it or take another folder (send and watch can use it, "
-                      "unless they are to tell it something)",
-                      options_.root));
+      throw UsageError(fmt::format(
+          "a modem runs in {} already: end it or take another folder (send, shell and watch can use "
+          "it, unless send is to tell it something)",
+          options_.root));
     return;
   }
   remove_socket_.emplace([socket = folder_->path("/modem.sock")] { unlink(socket.c_str()); });
+}
+
+Station::~Station() {
+  process_.reset();
+  kill_process_.reset();
+  const auto held = holdOffInterruption();
+  modem_.stop();
+  remove_socket_.reset();
+  folder_.reset();
+  remove_folder_.reset();
+}
+
+handset::Parent& Station::process() {
+  if (!process_) throw ProcessTrouble("no process has been started");
+  return *process_;
 }
 
 void Station::start() {
   {
     const auto held = holdOffInterruption();
     kill_process_.reset();
-    process_.emplace(handset::ParentOptions{.executable = options_.executable,
-                                            .handset_root = folder_->root(),
-                                            .instance_id = options_.instance_id});
+    try {
+      process_.emplace(handset::ParentOptions{.executable = options_.executable,
+                                              .handset_root = folder_->root(),
+                                              .instance_id = options_.instance_id});
+    } catch (const std::system_error& error) {
+      throw ProcessTrouble(fmt::format("the process cannot be started: {}", error.what()));
+    }
     kill_process_.emplace([pid = process_->pid()] {
       kill(pid, SIGKILL);
       waitpid(pid, nullptr, 0);

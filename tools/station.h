@@ -36,6 +36,7 @@ class Station {
   explicit Station(StationOptions options);
   Station(const Station&) = delete;
   Station& operator=(const Station&) = delete;
+  ~Station();
 
   /// Starts the process and waits until it serves requests. Throws ProcessTrouble.
   void start();
@@ -53,7 +54,8 @@ class Station {
   /// What went wrong, for a message: `what`, how the process ended, its last log lines.
   [[nodiscard]] ProcessTrouble trouble(const std::string& what);
 
-  handset::Parent& process() { return *process_; }
+  /// Throws ProcessTrouble when none has been started.
+  handset::Parent& process();
   handset::Modem& modem() { return modem_; }
   handset::Folder& folder() { return *folder_; }
   /// Whether the modem is another tool's, so that this one's says and does nothing.

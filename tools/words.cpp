@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <charconv>
 #include <fstream>
-#include <iterator>
 #include <numeric>
 #include <utility>
 
@@ -18,6 +17,8 @@ namespace tools {
 namespace {
 
 constexpr size_t kOffered = 3;
+/// More than any record takes.
+constexpr size_t kFileMax = size_t{256} * 1024;  // bytes
 
 /// How many characters have to be put in, taken out or replaced to make one of the other.
 size_t distance(std::string_view a, std::string_view b) {
@@ -32,6 +33,18 @@ size_t distance(std::string_view a, std::string_view b) {
     }
   }
   return row.back();
+}
+
+std::vector<uint8_t> readFile(std::string_view what, const std::string& path) {
+  std::vector<uint8_t> bytes(kFileMax + 1);
+  std::ifstream file(path, std::ios::binary);
+  file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  if (!file.is_open() || file.bad())
+    throw UsageError(fmt::format("{}: the file {} cannot be read", what, path));
+  bytes.resize(static_cast<size_t>(file.gcount()));
+  if (bytes.size() > kFileMax)
+    throw UsageError(fmt::format("{}: the file {} has more than {} bytes", what, path, kFileMax));
+  return bytes;
 }
 
 }  // namespace
@@ -99,11 +112,7 @@ int64_t parseNumber(std::string_view what, std::string_view text, int64_t least,
 std::vector<uint8_t> parseBytes(std::string_view what, std::string_view text) {
   constexpr std::string_view kText = "text:";
   if (text.starts_with(kText)) return handset::bytesOf(text.substr(kText.size()));
-  if (text.starts_with('@')) {
-    std::ifstream file(std::string(text.substr(1)), std::ios::binary);
-    if (!file) throw UsageError(fmt::format("{}: the file {} cannot be read", what, text.substr(1)));
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  if (text.starts_with('@')) return readFile(what, std::string(text.substr(1)));
   try {
     return handset::hex(text);
   } catch (const std::invalid_argument& error) {

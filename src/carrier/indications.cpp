@@ -6,6 +6,7 @@
 #include "core/ground/log.h"
 #include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
+#include "qmi/vendor_indications.h"
 
 namespace kesext {
 
@@ -13,9 +14,6 @@ namespace {
 
 constexpr uint32_t kTaken = 0;
 constexpr uint32_t kNotTaken = 0xFFFFFFFF;
-
-constexpr uint32_t kValueIndication = 0x0012;
-constexpr uint32_t kLteErrorIndication = 0x010B;
 
 /// Decodes an indication into a cleared record. False, after a log line, when it does not decode.
 template <typename Record>
@@ -33,14 +31,14 @@ bool decode(qmi_client_type client, uint32_t indication_id, const uint8_t* buffe
 uint32_t kes_qmi_sprint_hook_ind_cb(qmi_client_type client, uint32_t indication_id, const uint8_t* buffer,
                                     uint32_t buffer_length, void*) {
   switch (indication_id) {
-    case kValueIndication: {
+    case IND_CARRIER_VALUE: {
       ValueIndication indication;
       if (!decode(client, indication_id, buffer, buffer_length, &indication)) return kTaken;
       const uint32_t widened = indication.value;
       send_unsol_response(UNSOL_CARRIER_VALUE, &widened, sizeof widened);
       return kTaken;
     }
-    case kLteErrorIndication: {
+    case IND_LTE_ERROR: {
       LteErrorIndication indication;
       if (!decode(client, indication_id, buffer, buffer_length, &indication)) return kTaken;
       LteErrorRecord record{};

@@ -11,6 +11,7 @@
 #include "generic/pfp.h"
 #include "generic/rf_save.h"
 #include "generic/signal_coverage.h"
+#include "qmi/vendor_indications.h"
 
 namespace kesext {
 
@@ -22,9 +23,9 @@ struct IndicationTableRow {
 };
 
 constexpr IndicationTableRow unsolIndTable[] = {
-    {0x0001, sendUnsolNotify},  {0x000A, myPfpIndHndlr}, {0x0013, dhob_ind_handler},
-    {0x0016, dataPlmnIndHndlr}, {0x000F, utilsIndHndlr}, {0x010C, sigcovIndHndlr},
-    {0x0110, tunerIndHndlr},
+    {IND_TEST, sendUnsolNotify},       {IND_PFP, myPfpIndHndlr},     {IND_RF_SAVE, dhob_ind_handler},
+    {IND_DATA_PLMN, dataPlmnIndHndlr}, {IND_UTILITY, utilsIndHndlr}, {IND_SIGNAL_COVERAGE, sigcovIndHndlr},
+    {IND_TUNER, tunerIndHndlr},
 };
 static_assert(std::size(unsolIndTable) == 7);
 
