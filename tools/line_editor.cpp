@@ -78,7 +78,9 @@ std::optional<std::string> LineEditor::next() {
   // The window may have changed since the last line.
   el_resize(edit_.get());
   int length = 0;
+  calm_ = holdOffInterruption();
   const char* text = el_gets(edit_.get(), &length);
+  calm_.unlock();
   if (trouble_) std::rethrow_exception(std::exchange(trouble_, nullptr));
   if (text == nullptr || length <= 0) return std::nullopt;
   std::string line(text, static_cast<size_t>(length));
@@ -94,12 +96,14 @@ int LineEditor::readCharacter(EditLine* edit, wchar_t* character) {
   LineEditor& self = of(edit);
   std::mbstate_t state{};
   while (true) {
+    self.calm_.unlock();
     try {
       self.wait_({.before = [&] { self.takeLineAway(); }, .after = [&] { self.drawLineAgain(); }});
     } catch (...) {
       self.trouble_ = std::current_exception();
-      return -1;
     }
+    self.calm_.lock();
+    if (self.trouble_) return -1;
     char byte = 0;
     const ssize_t count = read(STDIN_FILENO, &byte, 1);
     if (count < 0 && errno == EINTR) continue;

@@ -5,6 +5,7 @@
 
 #include <exception>
 #include <memory>
+#include <mutex>
 #include <string_view>
 
 #include "tools/completion.h"
@@ -40,6 +41,9 @@ class LineEditor : public LineSource {
   Completer completer_;
   std::exception_ptr trouble_;  // libedit's frames are no place to throw through
   Cleanup restore_terminal_;
+  /// libedit sets the terminal's modes, which must not come behind the cleanup: interruptions get in only
+  /// while a key is waited for.
+  std::unique_lock<std::recursive_mutex> calm_;
   std::unique_ptr<History, void (*)(History*)> history_;
   std::unique_ptr<EditLine, void (*)(EditLine*)> edit_;
 };
