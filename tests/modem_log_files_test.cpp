@@ -1,14 +1,11 @@
 // Packages in the modem logs' directory, and what becomes of them where the file system refuses.
 #include <gmock/gmock.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <functional>
-#include <memory>
 
 #include "support/log_listing.h"
 #include "support/modem_log_test.h"
@@ -243,25 +240,6 @@ TEST_F(ModemLogFilesTest, ALogThatTakesNothingLosesThePackage) {
   Send(package_);
   ExpectGolden(lines_, "modem_log_takes_nothing");
   EXPECT_FALSE(fs::exists(folder_.path(kPackage)));
-}
-
-struct Unmount {
-  void operator()(const char* path) const { umount2(path, MNT_DETACH); }
-};
-
-TEST_F(ModemLogFilesTest, AFullDiskTakesNothingFromTheLog) {
-  const std::string data = folder_.path("/data");
-  if (mount("tmpfs", data.c_str(), "tmpfs", 0, "size=64k") != 0)
-    GTEST_SKIP() << "mounting a file system takes a user who may: " << std::strerror(errno);
-  const std::unique_ptr<const char, Unmount> disk(data.c_str());
-  const Bytes package = pattern(24 * kKilobyte, 7);
-  MakeCurrentLog(old_.size());
-  Begin();
-  EXPECT_EQ(Send(logPackage(3, kLogHeader, package)), appended_to_old_);
-  EXPECT_EQ(CurrentLog(), concat(old_, sized(package, 8 * kKilobyte)));
-  EXPECT_EQ(Send(logPackage(3, kLogHeader, old_)),
-            "adamIndHndlr: Write to file /data/adam/~adam0003.log failed, errno 28");
-  EXPECT_EQ(CurrentLog(), concat(old_, sized(package, 8 * kKilobyte)));
 }
 
 TEST_F(ModemLogFilesTest, AFileAtItsSizeLimitTakesNoMore) {
