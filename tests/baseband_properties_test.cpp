@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <optional>
 
 #include "support/hook_process_test.h"
 
@@ -57,14 +58,6 @@ TEST_F(BasebandPropertiesTest, TheVersionNumberIsWhatFollowsTheLastHyphen) {
   }
 }
 
-TEST_F(BasebandPropertiesTest, AVersionWithoutHyphenIsUnknown) {
-  Restart({}, "ABC", "flex");
-  EXPECT_EQ(folder_.property(kNumber), "Unknown");
-  EXPECT_TRUE(Logs("kes_qmi_read_baseband_config_version: no valid delimiter in ABC"));
-  EXPECT_TRUE(Logs("kes_qmi_read_baseband_config_version: fsg version NV read status(0)"));
-  EXPECT_TRUE(Logs("kes_qmi_read_baseband_config_version: flex nv status(0)"));
-}
-
 TEST_F(BasebandPropertiesTest, TheVersionTextIsCutTo63Characters) {
   for (const size_t length : {1U, 63U, 64U, 512U}) {
     Restart({}, "A-1", std::string(length, 'v'));
@@ -72,29 +65,39 @@ TEST_F(BasebandPropertiesTest, TheVersionTextIsCutTo63Characters) {
   }
 }
 
-TEST_F(BasebandPropertiesTest, WhatCannotBeReadFallsBack) {
-  Restart({}, "", "");
-  EXPECT_EQ(folder_.property(kBands), "0");
-  EXPECT_EQ(folder_.property(kNumber), "Unknown");
-  EXPECT_EQ(folder_.property(kVersion), std::nullopt);
-  EXPECT_TRUE(Logs("kes_qmi_read_baseband_config_version: fsg version NV read status(4)"));
-  EXPECT_TRUE(Logs("kes_qmi_read_baseband_config_version: flex nv status(4)"));
+TEST_F(BasebandPropertiesTest, WhatCannotBeReadOrHasNoHyphenFallsBack) {
+  struct Case {
+    std::string fsg, flex;
+    std::optional<std::string> version;
+    std::vector<std::string> lines;
+  };
+  const Case cases[] = {
+      {"ABC",
+       "flex",
+       "flex",
+       {"no valid delimiter in ABC", "fsg version NV read status(0)", "flex nv status(0)"}},
+      {std::string(1, '\0'), "flex", "flex", {"no valid delimiter in "}},
+      {"", "flex", "flex", {"fsg version NV read status(4)"}},
+      {"", "", std::nullopt, {"fsg version NV read status(4)", "flex nv status(4)"}},
+  };
+  for (const Case& c : cases) {
+    Restart({}, c.fsg, c.flex);
+    EXPECT_EQ(folder_.property(kBands), "0");
+    EXPECT_EQ(folder_.property(kNumber), "Unknown");
+    EXPECT_EQ(folder_.property(kVersion), c.version);
+    for (const std::string& line : c.lines)
+      EXPECT_TRUE(Logs("kes_qmi_read_baseband_config_version: " + line));
+  }
 }
 
-TEST_F(BasebandPropertiesTest, EachVersionIsPublishedWithoutTheOther) {
+TEST_F(BasebandPropertiesTest, AVersionThatIsGoneIsLeftAsItWas) {
   Restart({}, "A-1", "flex");
   parent_.reset();
   modem_.rde().clear();
   modem_.rde().set(8029, handset::bytesOf("A-2"));
   Start();
   EXPECT_EQ(folder_.property(kNumber), "2");
-  EXPECT_EQ(folder_.property(kVersion), "flex") << "left as it was";
-  Restart({}, "", "flex");
-  EXPECT_EQ(folder_.property(kNumber), "Unknown");
   EXPECT_EQ(folder_.property(kVersion), "flex");
-  Restart({}, std::string(1, '\0'), "flex");
-  EXPECT_EQ(folder_.property(kNumber), "Unknown");
-  EXPECT_TRUE(Logs("kes_qmi_read_baseband_config_version: no valid delimiter in "));
 }
 
 TEST_F(BasebandPropertiesTest, AnotherInstancePublishesTheBandsOnly) {

@@ -1,6 +1,8 @@
 // The carrier's requests, from the parent to the modem and back.
 #include <gmock/gmock.h>
 
+#include <tuple>
+
 #include "support/hook_process_test.h"
 
 namespace kesext_test {
@@ -34,9 +36,9 @@ struct Operation {
   const char* sent;
   const char* success;
   const char* refusal;
-  Answer on_success;
-  Answer on_refusal;
-  Answer on_failed_send;
+  Answer on_success{0, {}};
+  Answer on_refusal{5, {}};
+  Answer on_failed_send{5, {}};
 };
 
 std::vector<Operation> operations() {
@@ -46,43 +48,33 @@ std::vector<Operation> operations() {
   const char* akey = "0102030405060708090A0B0C0D0E0F101112131415161718191A";
   // clang-format off
   return {
-      // id, echo, payload, service, message, sent; the modem's success and refusal; answers to them and to no response
+      // id, echo, payload, service, message, sent; the modem's success and refusal; the answers, of a write as above
       {0x020000B0, false, "", vendor, 0x0101, "00000000", "00000000 07000000", "03000000 07000000",
        {0, le32(7)}, {0, le32(0)}, {0, le32(0)}},
-      {0x020000B1, true, "FEFFFFFF", vendor, 0x0102, "00000000 FEFFFFFF", "00000000", "01000000",
-       {0, {}}, {5, {}}, {5, {}}},
+      {0x020000B1, true, "FEFFFFFF", vendor, 0x0102, "00000000 FEFFFFFF", "00000000", "01000000",},
       {0x020000B2, false, "", vendor, 0x0101, "01000000", "00000000 07000000", "03000000 07000000",
        {0, le32(7)}, {0, le32(0)}, {0, le32(0)}},
-      {0x020000B3, true, "FEFFFFFF", vendor, 0x0102, "01000000 FEFFFFFF", "00000000", "01000000",
-       {0, {}}, {5, {}}, {5, {}}},
-      {0x020000B4, true, "03000000 AABBCCDD", vendor, 0x0100, "03000000 AABBCC", "00000000", "01000000",
-       {0, {}}, {5, {}}, {5, {}}},
-      {0x020000B5, true, "04000000", vendor, 0x0103, "04000000", "00000000", "01000000",
-       {0, {}}, {5, {}}, {5, {}}},
-      {0x020000B6, true, "FE", vendor, 0x0011, "FE", "01", "F0",
-       {0, {}}, {5, {}}, {5, {}}},
+      {0x020000B3, true, "FEFFFFFF", vendor, 0x0102, "01000000 FEFFFFFF", "00000000", "01000000",},
+      {0x020000B4, true, "03000000 AABBCCDD", vendor, 0x0100, "03000000 AABBCC", "00000000", "01000000",},
+      {0x020000B5, true, "04000000", vendor, 0x0103, "04000000", "00000000", "01000000",},
+      {0x020000B6, true, "FE", vendor, 0x0011, "FE", "01", "F0",},
       {0x020000BC, true, "", vendor, 0x0108, "", "01000000 00000000 2C010000", "02000000 09000000 2C010000",
        {0, le32(300)}, {0, le32(0)}, {0, le32(0)}},
-      {0x020000BD, true, "1E000000", vendor, 0x0109, "1E000000", "01000000", "02000000 09000000",
-       {0, {}}, {5, {}}, {5, {}}},
+      {0x020000BD, true, "1E000000", vendor, 0x0109, "1E000000", "01000000", "02000000 09000000",},
       {0x020000C4, true, "", vendor, 0x0104, "", tot, tot,
        {0, tot_order}, {0, tot_order}, {0, Bytes(62)}},
       {0x020000C5, true, "0200 01020304 05060708 090A0B0C", vendor, 0x0105, "0200 000000000000 01020304 05060708",
-       "01000000", "02000000 09000000",
-       {0, {}}, {5, {}}, {5, {}}},
+       "01000000", "02000000 09000000",},
       {0x0200000A, false, "", Service::dms, 0x003B, "363534333231", "00000000", "01000000 09000000",
        {0, Bytes(6)}, {3, Bytes(6)}, {3, Bytes(6)}},
       {0x02000013, true, akey, Service::nas, 0x005B,
-       "363534333231 0102030405060708090A0B0C0D0E0F101112131415161718191A", "00000000", "01000000 09000000",
-       {0, {}}, {5, {}}, {5, {}}},
+       "363534333231 0102030405060708090A0B0C0D0E0F101112131415161718191A", "00000000", "01000000 09000000",},
   };
   // clang-format on
 }
 
-class CarrierRequestsTest : public HookProcessTest {
+class CarrierRequestsTest : public ServingTest {
  protected:
-  void SetUp() override { Start(); }
-
   /// Asks, checks the answer, and adds what was logged to `log` under a heading.
   void Expect(const Operation& operation, const char* reaction, const Answer& expected,
               std::vector<std::string>* log) {
@@ -119,26 +111,7 @@ TEST_F(CarrierRequestsTest, EveryOperationAnswersSuccessRefusalAndFailedSend) {
 TEST_F(CarrierRequestsTest, ServedRequestsLogDispatcherAndBuilderInOrder) {
   modem_.state().setBsrTimer(5);
   EXPECT_EQ(Ask(cdmaRequest(0x020000BC)), cdmaResponse(0x020000BC, 0, le32(5)));
-  const std::string builder = "kesext_hook_sprint_send_response: ";
-  EXPECT_THAT(
-      LogsOfLastRequest(),
-      ElementsAre(E("Read 18 bytes from pipe"), E("msg Id is 0x20000bc, type is 0. "),
-                  E("Received CDMA Hook request 0x20000bc"), E("kesext_hook_sprint_handler: ENTER "),
-                  E("Get BSR timer result - 5"), E(builder + "ENTER FUNCTION 33554620 "),
-                  E(builder + "SEND RESPONSE TO APP LAYER Message ID 33554620 "),
-                  E(builder + "SEND RESPONSE TO APP LAYER Length 4 "), E(builder + "BYTE ARRAY NOT NULL "),
-                  E(builder + "HEADER ID 33554620 "), E("0x20000bc is handled by Sprint handler.")));
-}
-
-TEST_F(CarrierRequestsTest, IdsThatAreNotListedAreDeclinedUnanswered) {
-  for (const uint32_t id : {0x02000000U, 0x020000CCU, 0x02000005U, 0x020000AFU}) {
-    EXPECT_EQ(Ask(cdmaRequest(id)), cdmaResponse(id, 6));
-    EXPECT_THAT(LogsOfLastRequest(),
-                Contains(E("kesext_hook_sprint_handler: Unexpected MSG ID: " + std::to_string(id))));
-  }
-  modem_.rde().set(0x1C, hex("00"));
-  EXPECT_EQ(Ask(cdmaRequest(0x02000008, hex("07"))), cdmaResponse(0x02000008, 0))
-      << "the fallback table serves";
+  ExpectGolden(LogsOfLastRequest(), "carrier_served");
 }
 
 TEST_F(CarrierRequestsTest, WriteGroupsNeedAPayload) {
@@ -193,20 +166,48 @@ TEST_F(CarrierRequestsTest, TheFactoryResetFlagIsTheOnlyPayloadByte) {
   }
 }
 
-TEST_F(CarrierRequestsTest, ElementsAreReadAndWrittenWithFreshHeaders) {
-  const Bytes write = withSpc(cdmaRequest(0x02000015, nvPayload(500, 1, 0, 10, pattern(10, 0xF0))));
-  EXPECT_EQ(Ask(write), cdmaResponse(0x02000015, 0));
-  const auto logs = HandlerLogs();
-  EXPECT_EQ(logs.front(), E("kesext_hook_sprint_rde_write: FUNCTION enter."));
-  EXPECT_EQ(logs.back(), E("RDE Write success for element 500"));
-  EXPECT_EQ(Ask(withSpc(cdmaRequest(0x02000016, nvPayload(500, 1, 0, 4)))),
-            cdmaResponse(0x02000016, 0, concat(nvPayload(500, 1, 0, 10, pattern(10, 0xF0)), Bytes(4))));
-  EXPECT_EQ(HandlerLogs().front(), E("kesext_hook_sprint_rde_read: Function Enter."));
-  EXPECT_EQ(Ask(withSpc(cdmaRequest(0x02000016, nvPayload(501, 0, 0, 0)))), cdmaResponse(0x02000016, 5));
-  EXPECT_EQ(HandlerLogs().back(), E("RDE Read error"));
+TEST_F(CarrierRequestsTest, ElementsAreWrittenWithBothLengthsAndFreshHeaders) {
+  const Bytes data = hex("0A FF");
+  EXPECT_EQ(Ask(withSpc(cdmaRequest(0x02000015, nvPayload(500, 1, 2, 2, data)))),
+            cdmaResponse(0x02000015, 0));
+  EXPECT_EQ(modem_.requests().back().body, concat(nvPayload(500, 1, 2, 2), le32(2), data, Bytes(510)));
+  EXPECT_THAT(HandlerLogs(),
+              ElementsAre(E("kesext_hook_sprint_rde_write: FUNCTION enter."),
+                          E("NV Write with RDE index 500, record number 1, offset 2."),
+                          E("kes_qmi_sprint_rde_write: hexdump len 2..."), E("HexDump: Data 0AFF"),
+                          E("NV Write success for element 500"), E("RDE Write success for element 500")));
   for (const uint32_t length : {513U, 0xFFFFFFFFU}) {
     EXPECT_EQ(Ask(cdmaRequest(0x02000015, nvPayload(500, 0, 0, length))), cdmaResponse(0x02000015, 5));
     EXPECT_EQ(HandlerLogs().back(), E("RDE write error"));
+  }
+  modem_.answer(Service::vendor, kRdeWriteId, concat(le32(1), le32(9)));
+  EXPECT_EQ(Ask(cdmaRequest(0x02000015, nvPayload(500, 0, 0, 1))), cdmaResponse(0x02000015, 5));
+  EXPECT_THAT(HandlerLogs(), Contains(E("NV Write fail - 0, result - 1, error - 9")));
+}
+
+TEST_F(CarrierRequestsTest, ElementsAreReadWithTheModemsLengthAndFreshHeaders) {
+  const auto modem_says = [this](uint32_t result, uint32_t error, uint32_t length) {
+    modem_.answer(
+        Service::vendor, kRdeReadId,
+        concat(le32(result), le32(error), le32(11), Bytes(8), le32(length), le32(512), pattern(512)));
+  };
+  const Bytes request = withSpc(cdmaRequest(0x02000016, nvPayload(500, 2, 0xFFFFFFFD, 4)));
+  modem_says(0, 0, 3);
+  EXPECT_EQ(Ask(request),
+            cdmaResponse(0x02000016, 0, concat(nvPayload(500, 2, 0xFFFFFFFD, 3, pattern(3)), Bytes(4))));
+  EXPECT_EQ(modem_.requests().back().body, concat(nvPayload(500, 2, 0xFFFFFFFD, 0), Bytes(516)));
+  EXPECT_THAT(HandlerLogs(), ElementsAre(E("kesext_hook_sprint_rde_read: Function Enter."),
+                                         E("NV Read with RDE index (500), recordNum(2), offset(-3)."),
+                                         E("NV Read 11, length 3, data length 512, grde - 01080F")));
+  const std::tuple<uint32_t, uint32_t, uint32_t, const char*> failures[] = {
+      {1, 16, 4, "NV Read fail - 0, result - 1, error - 16"},
+      {0, 0, 513, "NV Read fail - 0, result - 0, error - 0"},
+      {0, 0, 0xFFFFFFFF, "NV Read fail - 0, result - 0, error - 0"}};
+  for (const auto& [result, error, length, line] : failures) {
+    modem_says(result, error, length);
+    EXPECT_EQ(Ask(request), cdmaResponse(0x02000016, 5));
+    EXPECT_THAT(HandlerLogs(), Contains(E(line)));
+    EXPECT_EQ(HandlerLogs().back(), E("RDE Read error"));
   }
 }
 
@@ -226,6 +227,7 @@ TEST_F(CarrierRequestsTest, TheDdtmPreferenceIsOneByteOfElement10018) {
     modem_.rde().set(10018, hex("01 02"));
     EXPECT_EQ(Ask(cdmaRequest(read)), cdmaResponse(read, 0, Bytes(4)))
         << "an element of two bytes reads as 0";
+    EXPECT_THAT(HandlerLogs(), Contains(E("Input buffer is NULL or too small! max_len(1).")));
     modem_.fail(Service::vendor, kRdeWriteId, 8);
     EXPECT_EQ(Ask(cdmaRequest(write, hex("01"))), cdmaResponse(write, 5));
     EXPECT_EQ(HandlerLogs().back(), E("kesext_hook_sprint_set_ddtm_preference: Fail to write."));
@@ -313,6 +315,9 @@ class LteDataTest : public CarrierRequestsTest {
   }
   void SetUp() override {
     CarrierRequestsTest::SetUp();
+    ModemReportsAll();
+  }
+  void ModemReportsAll() {
     modem_.answer(Service::vendor, 0x0107, concat(le32(1), le32(0), hex("C8 EE EE EE")));
     modem_.answer(Service::vendor, 0x010A,
                   hex("01 00 00 00 00 00 00 00  01 00 02 01  01 00 04 03  01 F5  01 F6"));
@@ -338,20 +343,30 @@ TEST_F(LteDataTest, EverySourceHasItsField) {
 }
 
 TEST_F(LteDataTest, AbsentFieldsAreZero) {
-  modem_.answer(Service::nas, 0x0024,
-                Response(1508, 0, 0, {{1106, hex("11 11 11 11")}, {1436, hex("22 22 22 22")}}));
-  modem_.answer(Service::nas, 0x004F, Response(16, 0, 0, {{10, hex("11 22 33 44")}}));
-  modem_.answer(Service::nas, 0x005A, Response(16, 0, 0, {{12, hex("11 22 33 44")}}));
-  EXPECT_EQ(Collect(), Answer("C8000000 0000 0000 00000000 F5 F6 02010000 04030000 00 0000 00 00000000"));
-}
-
-TEST_F(LteDataTest, ServingSystemFieldsArePresentOneByOne) {
-  modem_.answer(Service::nas, 0x0024,
-                Response(1508, 0, 0, {{1104, hex("01 EE 36 01 78 00")}, {1436, hex("22")}}));
-  EXPECT_EQ(Collect(), Answer("C8000000 3601 7800 00000000 F5 F6 02010000 04030000 C2 A1FF F7 DDFFFFFF"));
-  modem_.answer(Service::nas, 0x0024,
-                Response(1508, 0, 0, {{1106, hex("11")}, {1434, hex("01 EE 2C 1B 0A 80")}}));
-  EXPECT_EQ(Collect(), Answer("C8000000 0000 0000 2C1B0A80 F5 F6 02010000 04030000 C2 A1FF F7 DDFFFFFF"));
+  struct Case {
+    Service service;
+    uint16_t message;
+    Bytes response;
+    const char* data;
+  };
+  const Case cases[] = {
+      {Service::vendor, 0x010A, hex("01 00 00 00 00 00 00 00  00 EE 02 01  01 EE 04 03  01 F5  00 F6"),
+       "C8000000 3601 7800 2C1B0A80 F5 00 00000000 04030000 C2 A1FF F7 DDFFFFFF"},
+      {Service::vendor, 0x010A, hex("01 00 00 00 00 00 00 00  01 EE 02 01  00 EE 04 03  00 F5  01 F6"),
+       "C8000000 3601 7800 2C1B0A80 00 F6 02010000 00000000 C2 A1FF F7 DDFFFFFF"},
+      {Service::nas, 0x0024, Response(1508, 0, 0, {{1104, hex("01 EE 36 01 78 00")}, {1436, hex("22")}}),
+       "C8000000 3601 7800 00000000 F5 F6 02010000 04030000 C2 A1FF F7 DDFFFFFF"},
+      {Service::nas, 0x0024, Response(1508, 0, 0, {{1106, hex("11")}, {1434, hex("01 EE 2C 1B 0A 80")}}),
+       "C8000000 0000 0000 2C1B0A80 F5 F6 02010000 04030000 C2 A1FF F7 DDFFFFFF"},
+      {Service::nas, 0x004F, Response(16, 0, 0, {{10, hex("11 22 33 44")}}),
+       "C8000000 3601 7800 2C1B0A80 F5 F6 02010000 04030000 00 0000 00 DDFFFFFF"},
+      {Service::nas, 0x005A, Response(16, 0, 0, {{12, hex("11 22 33 44")}}), kNoPower},
+  };
+  for (const Case& c : cases) {
+    ModemReportsAll();
+    modem_.answer(c.service, c.message, c.response);
+    EXPECT_EQ(Collect(), Answer(c.data));
+  }
 }
 
 TEST_F(LteDataTest, FailedVendorReadsLeaveZeros) {

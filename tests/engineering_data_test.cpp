@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 
 #include <numeric>
-#include <tuple>
 
 #include "support/hook_process_test.h"
 
@@ -17,10 +16,8 @@ constexpr uint32_t kCp = 0x02000011;
 constexpr uint32_t kEvdo = 0x02000012;
 constexpr uint16_t kEngineeringInfo = 0x0010;
 
-class EngineeringDataTest : public HookProcessTest {
+class EngineeringDataTest : public ServingTest {
  protected:
-  void SetUp() override { Start(); }
-
   /// The modem answers with this text, of which it says that it has `length` characters.
   void ModemSays(std::string text, uint32_t length, uint32_t result = 0, uint32_t error = 0) {
     text.resize(1000, '\0');
@@ -44,59 +41,27 @@ class EngineeringDataTest : public HookProcessTest {
   }
 };
 
-/// A record in which every byte differs from its neighbours, starting with a positive or a negative one.
-constexpr uint8_t kFirstBytes[] = {0x50, 0xD0};
-
-Bytes countingRecord(size_t size, uint8_t first) {
-  Bytes record(size);
-  std::iota(record.begin(), record.end(), first);
-  return record;
-}
-
-/// Readers of a record's fields at their offsets, as words.
-auto widened(const Bytes& record) {
-  return std::tuple(
-      [&record](size_t at) { return uint32_t{record[at]}; },
-      [&record](size_t at) { return uint32_t{handset::getLe<uint16_t>(record, at)}; },
-      [&record](size_t at) {
-        return static_cast<uint32_t>(static_cast<int16_t>(handset::getLe<uint16_t>(record, at)));
-      },
-      [&record](size_t at) { return handset::getLe<uint32_t>(record, at); });
-}
-
-TEST_F(EngineeringDataTest, EveryCallProcessingFieldHasItsWord) {
-  for (const uint8_t first : kFirstBytes) {
-    const Bytes record = countingRecord(164, first);
+/// The bytes of a record count up, from a positive or a negative one, so each word tells where it comes from.
+TEST_F(EngineeringDataTest, EveryFieldHasItsWordAndItsLine) {
+  struct Case {
+    uint32_t id;
+    uint32_t kind;
+    size_t size;
+    uint8_t first;
+    const char* golden;
+  };
+  for (const Case& c : {Case{kCp, 0, 164, 0x50, "cp_50"}, Case{kCp, 0, 164, 0xD0, "cp_D0"},
+                        Case{kEvdo, 1, 52, 0x50, "evdo_50"}, Case{kEvdo, 1, 52, 0xD0, "evdo_D0"}}) {
+    Bytes record(c.size);
+    std::iota(record.begin(), record.end(), c.first);
     ModemSays(handset::toHex(record, ""));
-    const auto [u8, u16, s16, u32] = widened(record);
-    std::vector<uint32_t> words = {u32(0),  u16(16),  u16(18),  u16(20), u16(22), u16(24), u16(26), u16(28),
-                                   u16(30), u16(158), u16(156), s16(38), u8(33),  u8(12),  u8(13),  u8(14),
-                                   u16(36), u16(160), u8(34),   u16(40), 0,       1,       u8(32),  u16(42)};
-    for (size_t at = 52; at < 156; at += 2)
-      words.push_back(u16(at));
-    words.push_back(u32(44));
-    words.push_back(u32(48));
-    EXPECT_EQ(Report(kCp), words);
-    EXPECT_EQ(modem_.requests().back().body, le32(0));
-
-    ExpectGolden(HandlerLogs(), "cp_" + handset::toHex(Bytes{first}));
-  }
-}
-
-TEST_F(EngineeringDataTest, EveryEvdoFieldHasItsWord) {
-  for (const uint8_t first : kFirstBytes) {
-    const Bytes record = countingRecord(52, first);
-    ModemSays(handset::toHex(record, ""));
-    const auto [u8, u16, s16, u32] = widened(record);
-    std::vector<uint32_t> words = {u16(0),  u8(2),  u32(4), u16(8), u16(10), u32(12), u32(16), u16(20),
-                                   u16(22), u8(24), u8(25), 0,      u8(26),  u8(27),  0,       u8(28)};
-    for (size_t at = 29; at < 45; ++at)
-      words.push_back(u8(at));
-    words.insert(words.end(), {s16(46), u8(48), u8(49), u8(50)});
-    EXPECT_EQ(Report(kEvdo), words);
-    EXPECT_EQ(modem_.requests().back().body, le32(1));
-
-    ExpectGolden(HandlerLogs(), "evdo_" + handset::toHex(Bytes{first}));
+    std::vector<std::string> lines;
+    for (const uint32_t word : Report(c.id))
+      lines.push_back("# word " + std::to_string(lines.size()) + ": " + handset::toHex(le32(word)));
+    EXPECT_EQ(modem_.requests().back().body, le32(c.kind));
+    for (const std::string& line : HandlerLogs())
+      lines.push_back(line);
+    ExpectGolden(lines, c.golden);
   }
 }
 

@@ -4,11 +4,18 @@
 #include <csignal>
 #include <nlohmann/json.hpp>
 
+#include "handset/hook_records.h"
 #include "support/tool_test.h"
 
 namespace kesext_test {
 namespace {
 
+using handset::Bytes;
+using handset::cdmaRequest;
+using handset::concat;
+using handset::genericRequest;
+using handset::hex;
+using handset::le32;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 using Send = ToolTest;
@@ -21,36 +28,20 @@ nlohmann::json sendJson(std::vector<std::string> words) {
 }
 
 TEST_F(Send, ArgumentsStandInTheRequestByOrderOrName) {
-  struct Case {
-    std::vector<std::string> words;
-    const char* request;
-  };
-  const Case cases[] = {
-      {{"bsr-timer", "set", "30"}, "BD00000204000000000000000000000000001E000000"},
+  const std::pair<std::vector<std::string>, Bytes> cases[] = {
+      {{"bsr-timer", "set", "30"}, cdmaRequest(0x020000BD, le32(30))},
       {{"bsr-timer", "set", "timer=0x1E", "spc=123456"},
-       "BD0000020400000000000000313233343536"
-       "1E000000"},
-      {{"plmn", "310", "120"}, "000A00060000000436017800"},
-      {{"coverage", "7", "a b"},
-       "000500290000000507612062"
-       "00"},
+       hex("BD000002 04000000 00000000 313233343536 1E000000")},
+      {{"plmn", "310", "120"}, genericRequest(0x0A0006, hex("36017800"))},
+      {{"coverage", "7", "a b"}, genericRequest(0x050029, hex("07 612062 00"))},
       {{"rde", "write", "10017", "text:ab", "offset=2"},
-       "150000021200000000000000000000000000"
-       "21270000"
-       "00000000"
-       "02000000"
-       "02000000"
-       "6162"},
-      {{"utility", "1", "0102"},
-       "1E0000020801000000000000000000000000"
-       "01000000"
-       "02000000"
-       "0102"},
-      {{"raw", "03", "05"}, "0305"},
+       cdmaRequest(0x02000015, handset::nvPayload(10017, 0, 2, 2, hex("6162")))},
+      {{"utility", "1", "0102"}, cdmaRequest(0x0200001E, concat(le32(1), le32(2), hex("0102")), 264)},
+      {{"raw", "03", "05"}, hex("0305")},
   };
-  for (const Case& c : cases) {
-    const nlohmann::json sent = sendJson(c.words);
-    EXPECT_THAT(sent["request"]["hex"].get<std::string>(), StartsWith(c.request));
+  for (const auto& [words, request] : cases) {
+    const nlohmann::json sent = sendJson(words);
+    EXPECT_THAT(sent["request"]["hex"].get<std::string>(), StartsWith(handset::toHex(request, "")));
     EXPECT_FALSE(sent["answer"]["hex"].get<std::string>().empty());
   }
 }
@@ -90,14 +81,8 @@ TEST_F(Send, TheModemCanBeToldWhatToAnswer) {
   const auto answer = [](const std::string& line) {
     return sendJson({"--modem", line, "sysinfo-filter", "1"})["answer"]["hex"].get<std::string>();
   };
-  EXPECT_EQ(answer("restore utility"),
-            "0005001E"
-            "01000000"
-            "00");
-  EXPECT_EQ(answer("fail utility 90"),
-            "0005001E"
-            "01000000"
-            "05");
+  EXPECT_EQ(answer("restore utility"), "0005001E0100000000");
+  EXPECT_EQ(answer("fail utility 90"), "0005001E0100000005");
   EXPECT_THAT(RunTool({"send", "--modem", "fail utilty 90", "pfp"}).err, HasSubstr("did you mean utility?"));
 }
 

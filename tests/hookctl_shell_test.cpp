@@ -3,9 +3,7 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 #include "handset/folder.h"
 #include "handset/modem.h"
@@ -148,19 +146,6 @@ TEST_F(Shell, AScriptRunsWithoutAPromptAndItsWrongLinesAreCounted) {
                                        " +mcc \\(0 to 65535\\) mnc \\(0 to 65535\\)\n"));
   EXPECT_THAT(result.out, Not(HasSubstr(kPrompt)));
   EXPECT_EQ(RunTool({"shell"}, "bsr-timer set 5\nlog since\n").status, 0);
-}
-
-TEST_F(Shell, AClosedOutputEndsItWhileItWaitsForALine) {
-  const std::string input = temporary_ + "/input";
-  const std::string status = temporary_ + "/status";
-  const std::string script =
-      "mkfifo " + input + "; { " KESEXT_HOOKCTL " shell <>" + input + "; echo $? >" + status + "; } | true";
-  EXPECT_EQ(std::system(script.c_str()), 0);
-  int ended_with = 0;
-  std::ifstream(status) >> ended_with;
-  EXPECT_EQ(ended_with, 1);
-  std::filesystem::remove(input);
-  std::filesystem::remove(status);
 }
 
 }  // namespace

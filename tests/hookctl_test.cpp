@@ -78,7 +78,9 @@ TEST_F(Hookctl, ClosedStandardStreamsAreNoTrouble) {
 }
 
 TEST_F(Hookctl, AClosedOutputEndsIt) {
-  for (const std::string command : {"tour", "watch", "send nam read", "send --list"}) {
+  for (const std::string command :
+       {"tour", "watch", "send nam read", "send --list",
+        "decode < <(yes 000A00060000000436017800 2>/dev/null)", "shell <> <(:)"}) {
     const std::string script =
         "bash -c 'exec 3> >(:); wait $!; " KESEXT_HOOKCTL " " + command + " >&3 2>" + temporary_ + "/errors'";
     const int status = std::system(script.c_str());

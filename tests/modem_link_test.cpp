@@ -89,10 +89,6 @@ TEST_F(ModemLinkTest, TheServiceListIsFilledUpToItsRoom) {
   entries = 2;
   EXPECT_EQ(qmi_client_get_service_list(vendor_, list, &entries, &services), 0);
   EXPECT_EQ(entries, 2U);
-  modem_.publish(Service::vendor, 0);
-  EXPECT_EQ(qmi_client_get_service_list(vendor_, nullptr, &entries, &services), -2);
-  modem_.stop();
-  EXPECT_EQ(qmi_client_get_service_list(vendor_, nullptr, &entries, &services), -2);
 }
 
 TEST_F(ModemLinkTest, AResponseIsTakenOnlyWhenItHasTheStructuresSize) {
@@ -105,17 +101,6 @@ TEST_F(ModemLinkTest, AResponseIsTakenOnlyWhenItHasTheStructuresSize) {
   modem_.fail(Service::vendor, kEcho, 1234);
   EXPECT_EQ(Send(kEcho, hex("04 05 06"), response), 1234);
   EXPECT_EQ(response, hex("01 02 03")) << "an error leaves the response as it was";
-}
-
-TEST_F(ModemLinkTest, DecodingIsExact) {
-  Connect();
-  uint8_t record[4] = {9, 9, 9, 9};
-  const Bytes encoded = hex("01 02 03 04 05");
-  EXPECT_EQ(qmi_client_message_decode(client_, QMI_IDL_INDICATION, 1, encoded.data(), 3, record, 4), -4);
-  EXPECT_EQ(qmi_client_message_decode(client_, QMI_IDL_INDICATION, 1, encoded.data(), 5, record, 4), -4);
-  EXPECT_EQ(record[0], 9);
-  EXPECT_EQ(qmi_client_message_decode(client_, QMI_IDL_INDICATION, 1, encoded.data(), 4, record, 4), 0);
-  EXPECT_EQ(record[3], 4);
 }
 
 TEST_F(ModemLinkTest, ManyThreadsEachGetTheirOwnAnswersWhileIndicationsArrive) {

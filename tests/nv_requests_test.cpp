@@ -20,10 +20,7 @@ constexpr FixedElement kFixedElements[] = {
     {0x0200000F, 0x02000010, 0x25},
 };
 
-class NvRequestsTest : public HookProcessTest {
- protected:
-  void SetUp() override { Start(); }
-};
+using NvRequestsTest = ServingTest;
 
 TEST_F(NvRequestsTest, AFixedReadAnswersFourBytesOfItsElement) {
   for (const FixedElement& element : kFixedElements) {

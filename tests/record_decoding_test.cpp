@@ -42,6 +42,8 @@ TEST(RecordDecoding, EveryRecordParsesAndNoneThatIsCutDoes) {
   for (const SampleRecord& record : SampleRecords()) {
     const DecodedRecord whole = decodeAs(record.kind, record.bytes);
     EXPECT_FALSE(whole.problem) << whole.title << ": " << whole.problem->text;
+    const tools::KindGuess guess = guessKind(record.bytes);
+    EXPECT_TRUE(guess.kind == record.kind || guess.other == record.kind) << whole.title;
     for (size_t size = 0; size < record.bytes.size(); ++size) {
       const ByteView cut = ByteView(record.bytes).first(size);
       const DecodedRecord decoded = decodeAs(record.kind, cut);

@@ -69,15 +69,6 @@ class RfSaveTest : public HookProcessTest {
   size_t save_mark_ = 0;
 };
 
-TEST_F(RfSaveTest, TheFirstInstanceAnnouncesItself) {
-  Launch();
-  ASSERT_TRUE(Logs("Child process waiting for data"));
-  EXPECT_EQ(modem_.requests().back().id, kDhob);
-  EXPECT_EQ(modem_.requests().back().body, hex("FF"));
-  EXPECT_THAT(parent_->logs(),
-              Contains(E("dhob_write: Sending ready to received indications message to BP")));
-}
-
 TEST_F(RfSaveTest, AnotherInstanceTakesNoPart) {
   MakeDevice();
   MakePartition();

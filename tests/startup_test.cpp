@@ -46,20 +46,18 @@ TEST_F(StartupTest, RunsAsTheRadioUser) {
   EXPECT_EQ(line, "Uid:\t1001\t1001\t1001\t1001");
 }
 
-TEST_F(StartupTest, TooFewArgumentsEndTheProcess) {
-  Launch({"3", "4", "5"});
-  EXPECT_THAT(LogUntilExit(), ElementsAre("Starting kesext_client", "Need 4 args 4"));
-  Launch(std::vector<std::string>{});
-  EXPECT_THAT(LogUntilExit(), ElementsAre("Starting kesext_client", "Need 4 args 1"));
-}
-
-TEST_F(StartupTest, ADescriptorOfMinusOneEndsTheProcess) {
-  for (const auto& arguments : std::vector<std::vector<std::string>>{
-           {"-1", "4", "5", "0"}, {"3", "-1", "5", "0"}, {"3", "4", "-1", "0"}}) {
-    Launch(arguments);
+TEST_F(StartupTest, MissingArgumentsAndDescriptorsOfMinusOneEndTheProcess) {
+  using Arguments = std::vector<std::string>;
+  for (const Arguments& a : {Arguments{"3", "4", "5"}, Arguments{}}) {
+    Launch(a);
+    EXPECT_THAT(LogUntilExit(),
+                ElementsAre("Starting kesext_client", "Need 4 args " + std::to_string(a.size() + 1)));
+  }
+  for (const Arguments& a : {Arguments{"-1", "4", "5", "0"}, {"3", "-1", "5", "0"}, {"3", "4", "-1", "0"}}) {
+    Launch(a);
     EXPECT_THAT(LogUntilExit(), ElementsAre("Starting kesext_client",
-                                            "readfd=" + arguments[0] + ", writefd=" + arguments[1] +
-                                                ", writeunsolfd=" + arguments[2] + " kes_ext_instance_id=0",
+                                            "readfd=" + a[0] + ", writefd=" + a[1] +
+                                                ", writeunsolfd=" + a[2] + " kes_ext_instance_id=0",
                                             "Invalid fds"));
   }
 }

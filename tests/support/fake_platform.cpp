@@ -52,10 +52,10 @@ namespace kesext {
 
 namespace {
 
-int32_t fakeSend(kesext_test::FakeService service, uint32_t msg_id, const void* request,
-                 uint32_t request_length, void* response, uint32_t response_length) {
+int32_t fakeSend(uint32_t msg_id, const void* request, uint32_t request_length, void* response,
+                 uint32_t response_length) {
   const auto* bytes = static_cast<const uint8_t*>(request);
-  kesext_test::fake_sends.push_back({service, msg_id, {bytes, bytes + request_length}, response_length});
+  kesext_test::fake_sends.push_back({msg_id, {bytes, bytes + request_length}, response_length});
   return kesext_test::fake_modem(kesext_test::fake_sends.back(), static_cast<uint8_t*>(response));
 }
 
@@ -63,18 +63,17 @@ int32_t fakeSend(kesext_test::FakeService service, uint32_t msg_id, const void* 
 
 int32_t qmi_kesext_hook_send_msg_sync(uint32_t msg_id, const void* request, uint32_t request_length,
                                       void* response, uint32_t response_length) {
-  return fakeSend(kesext_test::FakeService::vendor, msg_id, request, request_length, response,
-                  response_length);
+  return fakeSend(msg_id, request, request_length, response, response_length);
 }
 
 int32_t qmi_kesext_sprint_nas_send_msg_sync(uint32_t msg_id, const void* request, uint32_t request_length,
                                             void* response, uint32_t response_length) {
-  return fakeSend(kesext_test::FakeService::nas, msg_id, request, request_length, response, response_length);
+  return fakeSend(msg_id, request, request_length, response, response_length);
 }
 
 int32_t qmi_kesext_sprint_dms_send_msg_sync(uint32_t msg_id, const void* request, uint32_t request_length,
                                             void* response, uint32_t response_length) {
-  return fakeSend(kesext_test::FakeService::dms, msg_id, request, request_length, response, response_length);
+  return fakeSend(msg_id, request, request_length, response, response_length);
 }
 
 }  // namespace kesext

@@ -13,11 +13,8 @@ namespace kesext_test {
 /// Lines logged since the last clear, as "E text" or "D text".
 extern std::vector<std::string> fake_log;
 
-enum class FakeService { vendor, nas, dms };
-
 /// One request that the code under test sent.
 struct FakeSend {
-  FakeService service{};
   uint32_t msg_id = 0;
   std::vector<uint8_t> request;
   uint32_t response_length = 0;

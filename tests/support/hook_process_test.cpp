@@ -111,6 +111,16 @@ int HookProcessTest::End() {
   return parent_->wait().value_or(-1);
 }
 
+void ServingTest::ExpectLine(std::string_view text) {
+  EXPECT_TRUE(Logs(text));
+  EXPECT_THAT(parent_->logs(), ::testing::Contains(E(text)));
+}
+
+void ServingTest::ExpectNothingForwarded() {
+  modem_.indicate(0x0001, {});
+  EXPECT_EQ(NextUnsolicited().size(), 50U);
+}
+
 std::string E(std::string_view text) {
   return "E RIL-KESEXT: " + std::string(text);
 }

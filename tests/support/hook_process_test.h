@@ -75,6 +75,16 @@ class HookProcessTest : public ::testing::Test {
   size_t asked_at_ = 0;
 };
 
+/// The process serves requests when a case begins.
+class ServingTest : public HookProcessTest {
+ protected:
+  void SetUp() override { Start(); }
+  /// Waits for this line of error priority, which has no other text.
+  void ExpectLine(std::string_view text);
+  /// The next unsolicited message is that of a test indication.
+  void ExpectNothingForwarded();
+};
+
 /// `text` as the process logs it at error priority.
 std::string E(std::string_view text);
 /// The same at debug priority.

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/ioctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -14,6 +13,7 @@
 #include <cstring>
 
 #include "handset/timeout.h"
+#include "support/tool_test.h"
 
 namespace kesext_test {
 
@@ -45,16 +45,7 @@ Terminal::Terminal(const std::vector<std::string>& arguments)
   posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, line.c_str(), O_RDWR, 0);
   posix_spawn_file_actions_adddup2(&actions, STDIN_FILENO, STDOUT_FILENO);
   posix_spawn_file_actions_adddup2(&actions, STDIN_FILENO, STDERR_FILENO);
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
-  std::vector<char*> argv{const_cast<char*>(KESEXT_HOOKCTL)};
-  for (const std::string& argument : arguments)
-    argv.push_back(const_cast<char*>(argument.c_str()));
-  argv.push_back(nullptr);
-  posix_spawn(&pid_, KESEXT_HOOKCTL, &actions, &attributes, argv.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  posix_spawnattr_destroy(&attributes);
+  pid_ = SpawnTool(arguments, actions, POSIX_SPAWN_SETSID);
   tool_ = handset::Fd(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)));
 }
 

@@ -1,8 +1,6 @@
 #include "support/tool_test.h"
 
 #include <fcntl.h>
-#include <poll.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -41,6 +39,21 @@ std::string readAll(const Fd& fd) {
 
 }  // namespace
 
+pid_t SpawnTool(const std::vector<std::string>& arguments, posix_spawn_file_actions_t& actions, short flags) {
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  posix_spawnattr_setflags(&attributes, flags);
+  std::vector<char*> argv{const_cast<char*>(KESEXT_HOOKCTL)};
+  for (const std::string& argument : arguments)
+    argv.push_back(const_cast<char*>(argument.c_str()));
+  argv.push_back(nullptr);
+  pid_t pid = -1;
+  const int error = posix_spawn(&pid, KESEXT_HOOKCTL, &actions, &attributes, argv.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  posix_spawnattr_destroy(&attributes);
+  return error == 0 ? pid : -1;
+}
+
 RunningTool::RunningTool(const std::vector<std::string>& arguments) {
   Pipe in;
   Pipe out;
@@ -50,13 +63,7 @@ RunningTool::RunningTool(const std::vector<std::string>& arguments) {
   posix_spawn_file_actions_adddup2(&actions, in.read.get(), STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&actions, out.write.get(), STDOUT_FILENO);
   posix_spawn_file_actions_adddup2(&actions, err.write.get(), STDERR_FILENO);
-  std::vector<char*> argv{const_cast<char*>(KESEXT_HOOKCTL)};
-  for (const std::string& argument : arguments)
-    argv.push_back(const_cast<char*>(argument.c_str()));
-  argv.push_back(nullptr);
-  const int error = posix_spawn(&pid_, KESEXT_HOOKCTL, &actions, nullptr, argv.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  if (error != 0) pid_ = -1;
+  pid_ = SpawnTool(arguments, actions);
   in_ = std::move(in.write);
   out_ = std::move(out.read);
   err.write.reset();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <spawn.h>
 #include <sys/types.h>
 
 #include <string>
@@ -18,6 +19,10 @@ struct ToolResult {
   std::string out;
   std::string err;
 };
+
+/// Starts hookctl, with flags of posix_spawnattr_setflags, and uses up the actions. −1 when that fails.
+pid_t SpawnTool(const std::vector<std::string>& arguments, posix_spawn_file_actions_t& actions,
+                short flags = 0);
 
 /// hookctl while it runs.
 class RunningTool {

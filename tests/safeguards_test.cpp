@@ -1,0 +1,122 @@
+// What guards against null pointers, bounds and missing memory that no request can bring about.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include "carrier/indications.h"
+#include "carrier/lte_data.h"
+#include "carrier/modem_operations.h"
+#include "carrier/request_dispatcher.h"
+#include "carrier/request_handlers.h"
+#include "carrier/response_builder.h"
+#include "carrier/service_codes.h"
+#include "generic/antenna_tuning.h"
+#include "generic/data_plmn.h"
+#include "generic/pfp.h"
+#include "generic/signal_coverage.h"
+#include "handset/hook_records.h"
+#include "nam/engineering_data.h"
+#include "platform/qmi_client.h"
+#include "support/unit_test.h"
+
+namespace kesext_test {
+namespace {
+
+using handset::Bytes;
+using handset::cdmaResponse;
+using handset::hex;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class SafeguardsTest : public UnitTest {
+ protected:
+  /// Decoding needs no more of a client than that it is there.
+  static qmi_client_type Client() {
+    static int client;
+    return reinterpret_cast<qmi_client_type>(&client);
+  }
+};
+
+TEST_F(SafeguardsTest, AMissingRequestCountsAsServed) {
+  EXPECT_EQ(kesext::kesext_hook_sprint_handler(nullptr, 0xFFFFFFFF, 0), 0U);
+  EXPECT_THAT(fake_log, ElementsAre("E kesext_hook_sprint_handler: ENTER ",
+                                    "E kesext_hook_sprint_handler: p_hdr == NULL "));
+  EXPECT_EQ(Written(), Bytes{});
+}
+
+TEST_F(SafeguardsTest, TheBuilderSendsZerosForAMissingPayloadAndRefusesANegativeLength) {
+  EXPECT_EQ(
+      kesext::kesext_hook_sprint_send_response({.msgId = 0x0200000A, .msgLen = 6, .status = 3}, nullptr), 1U);
+  EXPECT_EQ(Written(), cdmaResponse(0x0200000A, 3, Bytes(6)));
+  EXPECT_EQ(fake_log.size(), 4U) << "no line about a payload";
+  const uint8_t byte = 1;
+  fake_log.clear();
+  EXPECT_EQ(kesext::kesext_hook_sprint_send_response({.msgId = 1, .msgLen = 0}, &byte), 1U);
+  EXPECT_EQ(Written(), cdmaResponse(1, 0));
+  EXPECT_EQ(fake_log.size(), 4U) << "nor about an empty one";
+  fake_log.clear();
+  EXPECT_EQ(kesext::kesext_hook_sprint_send_response({.msgId = 1, .msgLen = -1}, nullptr), 0U);
+  EXPECT_THAT(fake_log, ElementsAre("E kesext_hook_sprint_send_response: ENTER FUNCTION 1 "));
+  EXPECT_EQ(Written(), Bytes{});
+}
+
+TEST_F(SafeguardsTest, NullPointersAreLogged) {
+  kesext::EhrpdApnResponse response{};
+  kesext::ActiveEhrpdApnList list{};
+  kesext::LteErrorIndication indication{};
+  kesext::LteErrorRecord record{};
+  kesext::kes_qmi_sprint_get_active_ehrpd_apn(nullptr);
+  kesext::convert_active_ehrpd_apn_from_qmi_to_ril(nullptr, &list);
+  kesext::convert_active_ehrpd_apn_from_qmi_to_ril(&response, nullptr);
+  EXPECT_FALSE(kesext::kes_qmi_sprint_get_lte_data(nullptr));
+  uint8_t text[1000];
+  uint32_t text_length = 0;
+  EXPECT_EQ(kesext::kes_qmi_sprint_get_engineering_info(0, nullptr, &text_length), 0);
+  EXPECT_EQ(kesext::kes_qmi_sprint_get_engineering_info(0, text, nullptr), 0);
+  kesext::convert_lte_error_to_ril_format(nullptr, &record);
+  kesext::convert_lte_error_to_ril_format(&indication, nullptr);
+  EXPECT_THAT(fake_log,
+              ElementsAre("E kes_qmi_sprint_get_active_ehrpd_apn: NULL point",
+                          "E convert_active_ehrpd_apn_from_qmi_to_ril: p_qmi_resp = NULL",
+                          "E convert_active_ehrpd_apn_from_qmi_to_ril: p_ril_active_ehrpd_apn = NULL",
+                          "E kes_qmi_sprint_get_lte_data entered ",
+                          "E kes_qmi_sprint_get_lte_data: p_lte_data == NULL",
+                          "E convert_lte_error_to_ril_format: parameter is null!",
+                          "E convert_lte_error_to_ril_format: parameter is null!"));
+  EXPECT_THAT(fake_sends, IsEmpty());
+
+  fake_modem = [](const FakeSend&, uint8_t* reported) {
+    const Bytes all_present = hex("01 00 00 00 00 00 00 00  01 EE 02 01  01 EE 04 03  01 05  01 06");
+    std::copy(all_present.begin(), all_present.end(), reported);
+    return 0;
+  };
+  kesext::kes_qmi_sprint_get_lte_ul_dl_channel(nullptr, nullptr, nullptr, nullptr);
+}
+
+TEST_F(SafeguardsTest, WithoutMemoryTheRequestIsDeclinedAndTheMessageDropped) {
+  const kesext::HookRequest* request = Request(handset::cdmaRequest(0x020000BC));
+  fake_out_of_memory = true;
+  EXPECT_EQ(kesext::kesext_hook_sprint_handler(request, 0xFFFFFFFF, 0), 0xFFFFFFFFU);
+  EXPECT_EQ(fake_log.back(), "E kesext_hook_sprint_send_response: ENTER FUNCTION 33554620 ");
+  const uint32_t value = 7;
+  kesext::send_unsol_response(0x020001B0, &value, sizeof value);
+  EXPECT_EQ(fake_log.back(), "E send_unsol_response: out of memory!");
+  EXPECT_EQ(Written(), Bytes{});
+}
+
+TEST_F(SafeguardsTest, WithoutMemoryIndicationsAreDropped) {
+  const Bytes tuner = handset::concat(handset::le32(2), handset::hex("81 01"), Bytes(126));
+  const Bytes record(232);
+  fake_out_of_memory = true;
+  kesext::tunerIndHndlr(Client(), 0x0110, tuner.data(), static_cast<uint32_t>(tuner.size()), nullptr);
+  kesext::myPfpIndHndlr(Client(), 0x000A, record.data(), 232, nullptr);
+  kesext::sigcovIndHndlr(Client(), 0x010C, record.data(), 32, nullptr);
+  kesext::dataPlmnIndHndlr(Client(), 0x0016, nullptr, 0, nullptr);
+  EXPECT_THAT(fake_log,
+              ElementsAre("E tunerIndHndlr: tuner indication is: 129 1", "E tunerIndHndlr: out of memory!",
+                          "E sigcovIndHndlr: out of memory!", "E dataPlmnIndHndlr: out of memory!"));
+  EXPECT_EQ(Written(), Bytes{});
+}
+
+}  // namespace
+}  // namespace kesext_test
