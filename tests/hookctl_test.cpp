@@ -45,6 +45,16 @@ TEST_F(Hookctl, TheScreensAreShownAsOftenAsAsked) {
                                        "Call processing\n.*EVDO\n.*"));
 }
 
+TEST_F(Hookctl, AScreenWithoutDataSaysSo) {
+  RunningTool modem({"modem", "--root", root_});
+  modem.type("fail engineering-information 90\n");
+  ASSERT_TRUE(modem.waitForOutput("told"));
+  const ToolResult result = RunTool({"watch", "--root", root_, "--count", "1"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.out, HasSubstr("(no data from the modem: qmi_client_send_msg_sync failed (90).)"));
+  modem.signal(SIGINT);
+}
+
 TEST_F(Hookctl, CtrlCLeavesNothingWhateverItIsAt) {
   const std::vector<std::string> commands[] = {{"watch"}, {"tour"}, {"modem", "--root", root_}};
   for (const std::vector<std::string>& command : commands) {

@@ -23,22 +23,41 @@ struct WatchOptions {
   unsigned count = 0;
 };
 
-std::string screen(Station& station, uint32_t id, std::string (*draw)(handset::ByteView)) {
-  const handset::Bytes answer = station.ask(handset::cdmaRequest(id));
-  constexpr size_t kAround = kesext::kOemHookHeaderCount;
-  if (answer.size() < kAround) return "(the answer is too short)\n";
-  return draw(handset::ByteView(answer).subspan(kesext::kOemHookPayloadOffset, answer.size() - kAround));
+struct Screen {
+  std::string text;
+  bool has_data = true;
+};
+
+/// The process answers with zeros when the modem gives it nothing, and only its log tells.
+std::string complaintSince(Station& station, size_t mark) {
+  constexpr std::string_view kComplaint = "kes_qmi_sprint_get_engineering_info: ";
+  station.process().catchUpWithLog();
+  for (const std::string& line : station.process().logsSince(mark))
+    if (const size_t at = line.find(kComplaint); at != std::string::npos)
+      return line.substr(at + kComplaint.size());
+  return "";
 }
 
-void watch(Station& station, const WatchOptions& options) {
+Screen screen(Station& station, uint32_t id, std::string (*draw)(handset::ByteView)) {
+  const size_t mark = station.process().logMark();
+  const handset::Bytes answer = station.ask(handset::cdmaRequest(id));
+  constexpr size_t kAround = kesext::kOemHookHeaderCount;
+  if (const std::string complaint = complaintSince(station, mark); !complaint.empty())
+    return {fmt::format("      (no data from the modem: {})\n", complaint), false};
+  if (answer.size() < kAround) return {"      (the answer is too short)\n", false};
+  return {draw(handset::ByteView(answer).subspan(kesext::kOemHookPayloadOffset, answer.size() - kAround))};
+}
+
+/// Whether the last screens had the modem's data.
+bool watch(Station& station, const WatchOptions& options) {
   const bool in_place = isCapableTerminal();
   for (unsigned shown = 1;; ++shown) {
-    const std::string call_processing =
-        screen(station, kesext::HOOK_CALL_PROCESSING_DATA, callProcessingScreen);
-    const std::string evdo = screen(station, kesext::HOOK_EVDO_DATA, evdoScreen);
-    fmt::print("{}Call processing\n{}\nEVDO\n{}", in_place ? kHomeAndClear : "", call_processing, evdo);
+    const Screen call_processing = screen(station, kesext::HOOK_CALL_PROCESSING_DATA, callProcessingScreen);
+    const Screen evdo = screen(station, kesext::HOOK_EVDO_DATA, evdoScreen);
+    fmt::print("{}Call processing\n{}\nEVDO\n{}", in_place ? kHomeAndClear : "", call_processing.text,
+               evdo.text);
     flushOutput();
-    if (shown == options.count) return;
+    if (shown == options.count) return call_processing.has_data && evdo.has_data;
     std::this_thread::sleep_for(std::chrono::duration<double>(options.seconds));
   }
 }
@@ -62,7 +81,7 @@ void addWatchCommand(CLI::App& tool, Common& common) {
   command->callback([&common, options] {
     Station station({.executable = common.executable, .root = options->root, .share_modem = true});
     station.start();
-    watch(station, *options);
+    common.status = watch(station, *options) ? kStatusGood : kStatusWrong;
     station.end();
   });
 }
