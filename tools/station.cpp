@@ -157,7 +157,8 @@ ProcessTrouble Station::trouble(const std::string& what) {
   const std::vector<std::string> lines = process_->logs();
   for (size_t i = lines.size() - std::min(kLastLines, lines.size()); i < lines.size(); ++i)
     text += "\n  " + lines[i];
-  return ProcessTrouble(text);
+  ProcessTrouble trouble(text);
+  return trouble;
 }
 
 }  // namespace tools

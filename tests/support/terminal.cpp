@@ -10,7 +10,6 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 
 #include "handset/timeout.h"
 #include "support/tool_test.h"
@@ -85,7 +84,8 @@ int Terminal::waitForEnd() {
 
 bool Terminal::hasItsModesBack() const {
   termios now{};
-  return tcgetattr(own_line_.get(), &now) == 0 && std::memcmp(&now, &modes_, sizeof now) == 0;
+  return tcgetattr(own_line_.get(), &now) == 0 && now.c_iflag == modes_.c_iflag &&
+         now.c_oflag == modes_.c_oflag && now.c_cflag == modes_.c_cflag && now.c_lflag == modes_.c_lflag;
 }
 
 }  // namespace kesext_test
