@@ -1,4 +1,4 @@
-// The record that NAM programming is written and read with, and the results of its steps.
+// The record that NAM programming is written and read with.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 namespace kesext {
 
-struct [[gnu::packed]] NamInfo {
+struct NamInfo {
   uint8_t mdn[16];  // ASCII digits and a terminator; a write uses the first 15 at most
   uint8_t min[16];  // 10 ASCII digits, area code first, and a terminator
   uint32_t homeSid;
@@ -42,23 +42,5 @@ static_assert(offsetof(NamInfo, imsiT) == 76);
 static_assert(offsetof(NamInfo, accessOverloadClass) == 92);
 static_assert(offsetof(NamInfo, newSpc) == 96);
 static_assert(offsetof(NamInfo, reserved) == 102);
-
-/// The status of each step: the items of kNamItems, of which the MDN is the first, then unused ones, and the
-/// change of the code as the last.
-inline constexpr size_t kNamSteps = 20;
-inline constexpr size_t kNamMdnStep = 0;
-inline constexpr size_t kNamFirstValueStep = 1;
-inline constexpr size_t kNamSpcStep = 19;
-
-struct NamStepResults {
-  uint32_t status[kNamSteps];
-
-  /// The first failed step, or kNamSteps when all succeeded.
-  [[nodiscard]] size_t firstFailure() const {
-    for (size_t step = 0; step < kNamSteps; ++step)
-      if (status[step] != 0) return step;
-    return kNamSteps;
-  }
-};
 
 }  // namespace kesext

@@ -8,7 +8,7 @@
 
 namespace kesext {
 
-/// The NAM that is programmed; there is no other.
+/// The only NAM that is programmed.
 inline constexpr uint8_t kNam = 0;
 
 /// Room for the record of any item, as the modem returns it.
@@ -57,10 +57,14 @@ inline constexpr int32_t kMdnItem = 8;
 inline constexpr int32_t kSidNidItem = 15;
 inline constexpr int32_t kProtocolRevisionItem = 28;
 
-/// The MDN's record: NAM, digit count, digits.
-inline constexpr uint32_t kMdnItemLength = 17;
 inline constexpr size_t kMdnDigitsMax = 15;
-inline constexpr size_t kMdnDigitsOffset = 2;
+
+struct MdnRecord {
+  uint8_t nam;
+  uint8_t digit_count;
+  uint8_t digits[kMdnDigitsMax];  // 1 to 9, 10 for '0'; 0 where there is none
+};
+static_assert(sizeof(MdnRecord) == 17);
 
 /// The SID/NID record: NAM, then pairs of u16.
 inline constexpr uint32_t kSidNidItemLength = 81;
@@ -88,10 +92,28 @@ inline constexpr NamItem kNamItems[] = {
     { 2,  3, true,  true,  {{2, 1, &NamValues::access_overload_class}}},                         // OVERLOAD CLASS
 };
 // clang-format on
-static_assert(kNamItems[0].rde_index == kMdnItem && kNamItems[0].length == kMdnItemLength);
+static_assert(kNamItems[0].rde_index == kMdnItem && kNamItems[0].length == sizeof(MdnRecord));
 static_assert(kNamItems[5].rde_index == kSidNidItem && kNamItems[5].length == kSidNidItemLength);
 inline constexpr size_t kNamItemSteps = std::size(kNamItems);
 static_assert(kNamItemSteps == 15);
+
+/// The status of each step: the items of kNamItems, of which the MDN is the first, then unused ones, and the
+/// change of the code as the last.
+inline constexpr size_t kNamSteps = 20;
+inline constexpr size_t kNamMdnStep = 0;
+inline constexpr size_t kNamFirstValueStep = 1;
+inline constexpr size_t kNamSpcStep = 19;
+
+struct NamStepResults {
+  uint32_t status[kNamSteps];
+
+  /// The first failed step, or kNamSteps when all succeeded.
+  [[nodiscard]] size_t firstFailure() const {
+    for (size_t step = 0; step < kNamSteps; ++step)
+      if (status[step] != 0) return step;
+    return kNamSteps;
+  }
+};
 
 /// Clears the buffer and reads an item into it. 0, or the status of the failed read.
 uint32_t kesext_hook_sprint_get_nam_item(int32_t rde_index, NamItemBuffer* buffer);

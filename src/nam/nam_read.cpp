@@ -17,8 +17,6 @@ namespace kesext {
 
 namespace {
 
-constexpr uint32_t kStepNotRun = 4;
-
 constexpr unsigned long asLong(uint32_t value) {
   return value;
 }
@@ -73,10 +71,11 @@ static_assert(stepsFollowTheItems());
 
 /// Turns an MDN item into its digits, as text.
 void takeMdn(const NamItemBuffer& buffer, char (&mdn)[sizeof(NamInfo::mdn)]) {
-  const auto* digits = reinterpret_cast<const char*>(buffer.bytes + kMdnDigitsOffset);
-  const size_t count = strnlen(digits, std::min<size_t>(buffer.bytes[1], kMdnDigitsMax));
-  for (size_t i = 0; i < count; ++i) {
-    const auto digit = static_cast<uint8_t>(digits[i]);
+  MdnRecord record;
+  std::memcpy(&record, buffer.bytes, sizeof record);
+  const size_t count = std::min<size_t>(record.digit_count, kMdnDigitsMax);
+  for (size_t i = 0; i < count && record.digits[i] != 0; ++i) {
+    const uint8_t digit = record.digits[i];
     LOGE("kesext_hook_sprint_read_mdn_from_nv:  mdn_number %d \n", digit);
     const auto character = digit == 10 ? uint8_t{'0'} : static_cast<uint8_t>(digit + '0');
     mdn[i] = static_cast<char>(character);
@@ -94,8 +93,7 @@ uint32_t kesext_hook_sprint_read_mdn_from_nv(char (&mdn)[sizeof(NamInfo::mdn)], 
 
 NamStepResults kesext_hook_sprint_get_nam_block_request_info(NamSubscription* subscription) {
   NamItemBuffer buffer;
-  NamStepResults results;
-  std::fill(std::begin(results.status), std::end(results.status), kStepNotRun);
+  NamStepResults results{};
   LOGE("kesext_hook_sprint_get_nam_block_request_info:  GET NAM BLOCK  %d ", 0);
   results.status[kNamMdnStep] = kesext_hook_sprint_read_mdn_from_nv(subscription->mdn, &buffer);
   kReadSteps[kNamMdnStep].log(*subscription);
@@ -104,7 +102,6 @@ NamStepResults kesext_hook_sprint_get_nam_block_request_info(NamSubscription* su
     takeNamValues(kNamItems[step], buffer, &subscription->values);
     kReadSteps[step].log(*subscription);
   }
-  std::fill(results.status + kNamItemSteps, std::end(results.status), 0U);
   return results;
 }
 

@@ -1,6 +1,5 @@
 #include "nam/nam_write.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "carrier/service_codes.h"
@@ -14,15 +13,8 @@ namespace kesext {
 
 namespace {
 
-/// Status of a step that is no item write.
+/// What the change of the code leaves as its step's status when it fails.
 constexpr uint32_t kStepFailed = 4;
-
-constexpr uint32_t low16(uint32_t value) {
-  return value & 0xFFFF;
-}
-constexpr uint32_t low8(uint32_t value) {
-  return value & 0xFF;
-}
 
 static_assert(sizeof(NamInfo::newSpc) == kSpcSize);
 
@@ -80,40 +72,37 @@ NamProgram convert(const OemHookHeader& header, const NamInfo& info) {
   std::memcpy(program.mdn, info.mdn, kMdnDigitsMax);
   convertSpc(header, info, program);
 
-  values.home_sid = low16(info.homeSid);
-  values.home_nid = low16(info.homeNid);
+  values.home_sid = info.homeSid & 0xFFFF;
+  values.home_nid = info.homeNid & 0xFFFF;
   LOGE("kesext_hook_sprint_set_nam_info:  SET NAM SID %d NID %d ", values.home_sid, values.home_nid);
-  values.p_channel_a = low16(info.pChannelA);
-  values.p_channel_b = low16(info.pChannelB);
+  values.p_channel_a = info.pChannelA & 0xFFFF;
+  values.p_channel_b = info.pChannelB & 0xFFFF;
   LOGE("kesext_hook_sprint_set_nam_info:  SET NAM pChannelA %d pChannelB %d sChannelA sChannelB ",
        values.p_channel_a, values.p_channel_b);
-  values.s_channel_a = low16(info.sChannelA);
-  values.s_channel_b = low16(info.sChannelB);
+  values.s_channel_a = info.sChannelA & 0xFFFF;
+  values.s_channel_b = info.sChannelB & 0xFFFF;
   LOGE("kesext_hook_sprint_set_nam_info:  SET NAM sChannelA %d sChannelB %d sChannelA sChannelB ",
        values.s_channel_a, values.s_channel_b);
-  values.scm = low8(info.scm);
+  values.scm = info.scm & 0xFF;
   LOGE("kesext_hook_sprint_set_nam_info:  SET NAM SCM %d ", values.scm);
   values.service_option = vocoder_to_service_option(info.vocoder);
   LOGE("kesext_hook_sprint_set_nam_info:  SET NAM Vocoder %d ", values.service_option);
-  values.access_overload_class = low8(info.accessOverloadClass);
+  values.access_overload_class = info.accessOverloadClass & 0xFF;
   LOGE("kesext_hook_sprint_set_nam_info:  SET NAM AccessOverload %d ", values.access_overload_class);
   return program;
 }
 
 uint32_t kesext_hook_sprint_set_mdn_to_nv(const char* mdn, NamItemBuffer* buffer) {
   LOGE("kesext_hook_sprint_set_mdn_to_nv:  WRITE NV_DIR_NUMBER_PCS_I %d ", 0);
-  const size_t count = strnlen(mdn, kMdnDigitsMax);
-  std::fill_n(buffer->bytes, kMdnItemLength, uint8_t{0});
-  buffer->bytes[0] = kNam;
-  buffer->bytes[1] = static_cast<uint8_t>(count);
-  for (size_t i = 0; i < count; ++i) {
+  MdnRecord record{.nam = kNam, .digit_count = static_cast<uint8_t>(strnlen(mdn, kMdnDigitsMax))};
+  for (size_t i = 0; i < record.digit_count; ++i) {
     const auto character = static_cast<uint8_t>(mdn[i]);
     LOGE("kesext_hook_sprint_set_mdn_to_nv:  mdn_number %d \n", character);
-    const auto digit = character == '0' ? uint8_t{10} : static_cast<uint8_t>(character - '0');
-    buffer->bytes[kMdnDigitsOffset + i] = digit;
-    LOGE("kesext_hook_sprint_read_mdn_from_nv:  nv output %d \n", digit);
+    record.digits[i] = character == '0' ? uint8_t{10} : static_cast<uint8_t>(character - '0');
+    LOGE("kesext_hook_sprint_read_mdn_from_nv:  nv output %d \n", record.digits[i]);
   }
-  const uint32_t status = kesext_hook_sprint_set_nam_item(kMdnItem, kMdnItemLength, *buffer);
+  std::memcpy(buffer->bytes, &record, sizeof record);
+  const uint32_t status = kesext_hook_sprint_set_nam_item(kMdnItem, sizeof record, *buffer);
   LOGE("kesext_hook_sprint_set_mdn_to_nv:  NV PCS WRITE COMPLETE %d ", 0);
   LOGE("kesext_hook_sprint_set_nam_block_request_info:  SET NAM BLOCK MDN  %d ", 0);
   return status;

@@ -6,7 +6,8 @@
 namespace kesext {
 
 /// Writes all items of the payload's NamInfo, and changes the service programming code when it names another
-/// one. Every step runs whatever came of the others; the answer's status tells whether one failed.
+/// one of six digits. Every step runs whatever came of the others; the answer's status tells whether one
+/// failed.
 void kesext_hook_sprint_set_nam_info(const HookRequest& request, uint32_t argument, CarrierAnswer& answer);
 
 }  // namespace kesext
