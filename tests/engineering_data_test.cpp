@@ -65,7 +65,7 @@ TEST_F(EngineeringDataTest, EveryFieldHasItsWordAndItsLine) {
   }
 }
 
-TEST_F(EngineeringDataTest, AProtocolRevisionAboveFiveHasAWordOfItsOwn) {
+TEST_F(EngineeringDataTest, AProtocolRevisionAboveFiveSetsItsFlag) {
   for (const uint8_t revision : {uint8_t{5}, uint8_t{6}}) {
     Bytes record(164);
     record[32] = revision;

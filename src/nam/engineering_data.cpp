@@ -25,14 +25,10 @@ struct EngineeringInfoResponse {
   uint8_t data[kEngineeringTextMax];
 };
 static_assert(sizeof(EngineeringInfoResponse) == 1012);
-static_assert(offsetof(EngineeringInfoResponse, result) == 0);
 static_assert(offsetof(EngineeringInfoResponse, data_length) == 8);
 static_assert(offsetof(EngineeringInfoResponse, data) == 12);
 
 constexpr VendorMessage<EngineeringInfoRequest, EngineeringInfoResponse> kEngineeringInfo{0x0010};
-
-/// A protocol revision above this one has a word of its own in the report.
-constexpr uint8_t kPRevHigh = 5;
 
 struct EngineeringText {
   uint8_t characters[kEngineeringTextMax];
@@ -45,9 +41,7 @@ template <typename Record>
 Record decodeRecord(const EngineeringText& text) {
   Record record{};
   const auto used = std::min<uint32_t>(text.length, 2 * sizeof(Record));
-  uint8_t bytes[sizeof(Record)] = {};
-  kesext_hook_sprint_hexstr_to_bin(text.characters, used, bytes);
-  std::memcpy(&record, bytes, sizeof record);
+  kesext_hook_sprint_hexstr_to_bin(text.characters, used, reinterpret_cast<uint8_t*>(&record));
   return record;
 }
 
@@ -74,18 +68,15 @@ CpStatusReport widen(const CpStatusRecord& record) {
       .lnaStatus = record.lnaStatus,
       .rssi = record.rssi,
       .reserved = 0,
-      .pRevInUseAbove5 = record.PRevInUse > kPRevHigh,
+      .pRevInUseAbove5 = record.PRevInUse > 5,
       .PRevInUse = record.PRevInUse,
       .bid = record.bid,
       .bsLat = record.bsLat,
       .bsLon = record.bsLon,
   };
-  for (size_t i = 0; i < kActiveSetSize; ++i)
-    report.activeSetPn[i] = record.activeSetPn[i];
-  for (size_t i = 0; i < kActiveSetSize; ++i)
-    report.activeSetStrength[i] = record.activeSetStrength[i];
-  for (size_t i = 0; i < kNeighborSetSize; ++i)
-    report.neighborSetPn[i] = record.neighborSetPn[i];
+  std::copy_n(record.activeSetPn, kActiveSetSize, report.activeSetPn);
+  std::copy_n(record.activeSetStrength, kActiveSetSize, report.activeSetStrength);
+  std::copy_n(record.neighborSetPn, kNeighborSetSize, report.neighborSetPn);
   return report;
 }
 
@@ -112,8 +103,7 @@ EvdoStatusReport widen(const EvdoStatusRecord& record) {
       .sinr = record.sinr,
       .anAuthStatus = record.anAuthStatus,
   };
-  for (size_t i = 0; i < kSectorIdSize; ++i)
-    report.sectorIds[i] = record.sectorIds[i];
+  std::copy_n(record.sectorIds, kSectorIdSize, report.sectorIds);
   return report;
 }
 
@@ -157,6 +147,19 @@ void log(const EvdoStatusReport& report) {
       report.pilotEnergy, report.drcCover, report.sinr, report.anAuthStatus);
   for (size_t i = 0; i < kSectorIdSize; ++i)
     LOGE("EVDO status3: sectorIds %d = %d", static_cast<int>(i), report.sectorIds[i]);
+}
+
+/// Answers a screen's request, `name` in the log, with the report of the record that the modem has of `type`.
+template <typename Record>
+void answerScreen(const char* name, EngineeringInfoType type, CarrierAnswer& answer) {
+  LOGE("%s:  ENTER FUNCTION  %d ", name, 0);
+  EngineeringText text{};
+  kes_qmi_sprint_get_engineering_info(type, text.characters, &text.length);
+  LOGE("%s() hexDump...", name);
+  hexDump(text.characters, text.length);
+  const auto report = widen(decodeRecord<Record>(text));
+  log(report);
+  answer.put(report);
 }
 
 /// The value of a hexadecimal digit of either case, or nothing.
@@ -204,25 +207,11 @@ void kesext_hook_sprint_hexstr_to_bin(const uint8_t* text, uint32_t length, uint
 }
 
 void kesext_hook_sprint_get_call_processing_data(const HookRequest&, uint32_t, CarrierAnswer& answer) {
-  LOGE("kesext_hook_sprint_get_call_processing_data:  ENTER FUNCTION  %d ", 0);
-  EngineeringText text{};
-  kes_qmi_sprint_get_engineering_info(kCallProcessingInfo, text.characters, &text.length);
-  LOGE("kesext_hook_sprint_get_call_processing_data() hexDump...");
-  hexDump(text.characters, text.length);
-  const CpStatusReport report = widen(decodeRecord<CpStatusRecord>(text));
-  log(report);
-  answer.put(report);
+  answerScreen<CpStatusRecord>("kesext_hook_sprint_get_call_processing_data", kCallProcessingInfo, answer);
 }
 
 void kesext_hook_sprint_get_evdo_data(const HookRequest&, uint32_t, CarrierAnswer& answer) {
-  LOGE("kesext_hook_sprint_get_evdo_data:  ENTER FUNCTION  %d ", 0);
-  EngineeringText text{};
-  kes_qmi_sprint_get_engineering_info(kEvdoInfo, text.characters, &text.length);
-  LOGE("kesext_hook_sprint_get_evdo_data() hexDump...");
-  hexDump(text.characters, text.length);
-  const EvdoStatusReport report = widen(decodeRecord<EvdoStatusRecord>(text));
-  log(report);
-  answer.put(report);
+  answerScreen<EvdoStatusRecord>("kesext_hook_sprint_get_evdo_data", kEvdoInfo, answer);
 }
 
 }  // namespace kesext

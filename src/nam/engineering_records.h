@@ -11,7 +11,7 @@ inline constexpr size_t kNeighborSetSize = 40;
 inline constexpr size_t kSectorIdSize = 16;
 
 /// Call-processing status, as the modem's text decodes.
-struct [[gnu::packed]] CpStatusRecord {
+struct CpStatusRecord {
   uint32_t fer;
   uint8_t unused_4[8];
   uint8_t activePilotCount;
@@ -45,7 +45,6 @@ struct [[gnu::packed]] CpStatusRecord {
   uint8_t padding_162[2];
 };
 static_assert(sizeof(CpStatusRecord) == 164);
-static_assert(offsetof(CpStatusRecord, fer) == 0);
 static_assert(offsetof(CpStatusRecord, activePilotCount) == 12);
 static_assert(offsetof(CpStatusRecord, neighborPilotCount) == 13);
 static_assert(offsetof(CpStatusRecord, candPilotCount) == 14);
@@ -72,13 +71,12 @@ static_assert(offsetof(CpStatusRecord, neighborSetPn) == 76);
 static_assert(offsetof(CpStatusRecord, sCallCounter) == 156);
 static_assert(offsetof(CpStatusRecord, droppedCallCounter) == 158);
 static_assert(offsetof(CpStatusRecord, lastCallIndicator) == 160);
-static_assert(offsetof(CpStatusRecord, padding_162) == 162);
 
 /// The position of a report's field, in words.
 #define KESEXT_WORD_OF(Report, field) (offsetof(Report, field) / sizeof(uint32_t))
 
 /// Every field widened to a word: txPower by its sign, the others without.
-struct [[gnu::packed]] CpStatusReport {
+struct CpStatusReport {
   uint32_t fer;
   uint32_t bestActivePilot;
   uint32_t bestActiveStrength;
@@ -140,7 +138,7 @@ static_assert(KESEXT_WORD_OF(CpStatusReport, bsLat) == 76);
 static_assert(KESEXT_WORD_OF(CpStatusReport, bsLon) == 77);
 
 /// EVDO status, as the modem's text decodes.
-struct [[gnu::packed]] EvdoStatusRecord {
+struct EvdoStatusRecord {
   uint16_t hdrChanNum;
   uint8_t uatiColorCode;
   uint8_t padding_3;
@@ -165,7 +163,6 @@ struct [[gnu::packed]] EvdoStatusRecord {
   uint8_t padding_51;
 };
 static_assert(sizeof(EvdoStatusRecord) == 52);
-static_assert(offsetof(EvdoStatusRecord, hdrChanNum) == 0);
 static_assert(offsetof(EvdoStatusRecord, uatiColorCode) == 2);
 static_assert(offsetof(EvdoStatusRecord, txUati) == 4);
 static_assert(offsetof(EvdoStatusRecord, pilotPn) == 8);
@@ -184,10 +181,9 @@ static_assert(offsetof(EvdoStatusRecord, pilotEnergy) == 46);
 static_assert(offsetof(EvdoStatusRecord, drcCover) == 48);
 static_assert(offsetof(EvdoStatusRecord, sinr) == 49);
 static_assert(offsetof(EvdoStatusRecord, anAuthStatus) == 50);
-static_assert(offsetof(EvdoStatusRecord, padding_51) == 51);
 
 /// Every field widened to a word: pilotEnergy by its sign, the others without.
-struct [[gnu::packed]] EvdoStatusReport {
+struct EvdoStatusReport {
   uint32_t hdrChanNum;
   uint32_t uatiColorCode;
   uint32_t txUati;
