@@ -1,89 +1,80 @@
-// The codings of NAM digits and vocoders.
+// The codings of NAM digits and vocoders, proven when this is compiled.
 #include "nam/digit_coding.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
+#include <algorithm>
+#include <array>
 
 #include "nam/vocoder_coding.h"
 
 namespace kesext_test {
 namespace {
 
-const uint8_t* bytes(const std::string& text) {
-  return reinterpret_cast<const uint8_t*>(text.data());
+using namespace kesext;
+
+/// The characters of a literal and its terminator, as the codings take and give them.
+template <size_t Size>
+constexpr std::array<uint8_t, Size> text(const char (&literal)[Size]) {
+  std::array<uint8_t, Size> characters{};
+  std::copy_n(literal, Size, characters.begin());
+  return characters;
 }
 
-template <typename Digits>
-std::string text(const Digits& digits) {
-  EXPECT_EQ(digits.back(), 0);
-  return {digits.begin(), digits.end() - 1};
+constexpr bool isMin(const std::array<uint8_t, kMinDigits + 1>& digits, uint32_t min1, uint16_t min2) {
+  const MinCode code = encode_min_digits(digits.data());
+  return code.min1 == min1 && code.min2 == min2 && decode_min_digits(min1, min2) == digits;
 }
+static_assert(isMin(text("6195551234"), 0x6F047B, 508));
+static_assert(isMin(text("0000000000"), 0xF9EBE7, 999));
+static_assert(isMin(text("1111111111"), 1024, 0));
+static_assert(isMin(text("9999999999"), 14559096, 888));
 
-TEST(DigitCodingTest, KnownNumbersHaveTheirCodes) {
-  struct Case {
-    const char* digits;
-    uint32_t min1;
-    uint16_t min2;
-  };
-  for (const Case& c : {Case{"6195551234", 0x6F047B, 508}, Case{"0000000000", 0xF9EBE7, 999},
-                        Case{"1111111111", 1024, 0}, Case{"9999999999", 14559096, 888}}) {
-    const kesext::MinCode code = kesext::encode_min_digits(bytes(c.digits));
-    EXPECT_EQ(code.min1, c.min1);
-    EXPECT_EQ(code.min2, c.min2);
-    EXPECT_EQ(text(kesext::decode_min_digits(c.min1, c.min2)), c.digits);
-  }
-  const kesext::ImsiTCode imsi = kesext::encode_imsi_t_digits(bytes("310120123456789"));
-  EXPECT_EQ(imsi.mcc_t, 209);
-  EXPECT_EQ(imsi.imsi_t_11_12, 1);
-  EXPECT_EQ(imsi.imsi_t_s1, 3840678U);
-  EXPECT_EQ(imsi.imsi_t_s2, 901);
-  EXPECT_EQ(kesext::encode_mcc_digits(bytes("000")), 999);
-  EXPECT_EQ(kesext::encode_imsi_11_12_digits(bytes("00")), 99);
-}
+constexpr ImsiTCode kImsi = encode_imsi_t_digits(text("310120123456789").data());
+static_assert(kImsi.mcc_t == 209 && kImsi.imsi_t_11_12 == 1);
+static_assert(kImsi.imsi_t_s1 == 3840678 && kImsi.imsi_t_s2 == 901);
+static_assert(decode_imsi_t_digits(kImsi) == text("310120123456789"));
+static_assert(encode_mcc_digits(text("000").data()) == 999);
+static_assert(encode_imsi_11_12_digits(text("00").data()) == 99);
 
-TEST(DigitCodingTest, EveryGroupDecodesToItsDigits) {
-  for (int number = 0; number < 1000; ++number) {
-    std::string digits = std::to_string(1000 + number).substr(1);
-    EXPECT_EQ(text(kesext::decode_mcc_digits(kesext::encode_mcc_digits(bytes(digits)))), digits);
-    digits = digits.substr(1);
-    EXPECT_EQ(text(kesext::decode_imsi_11_12_digits(kesext::encode_imsi_11_12_digits(bytes(digits)))),
-              digits);
-  }
+constexpr bool everyGroupDecodesToItsDigits() {
+  auto digits = text("000");
+  for (digits[0] = '0'; digits[0] <= '9'; ++digits[0])
+    for (digits[1] = '0'; digits[1] <= '9'; ++digits[1]) {
+      if (decode_imsi_11_12_digits(encode_imsi_11_12_digits(digits.data())) !=
+          std::array<uint8_t, 3>{digits[0], digits[1], 0})
+        return false;
+      for (digits[2] = '0'; digits[2] <= '9'; ++digits[2])
+        if (decode_mcc_digits(encode_mcc_digits(digits.data())) != digits) return false;
+    }
+  return true;
 }
+static_assert(everyGroupDecodesToItsDigits());
 
-TEST(DigitCodingTest, WhatIsNoDigitIsPlainArithmeticOnUnsignedBytes) {
-  const std::string high(15, '\xFF');  // 0xFF - 0x31 = 206
-  EXPECT_EQ(kesext::encode_mcc_digits(bytes(high)), 206 * 111);
-  EXPECT_EQ(kesext::encode_imsi_11_12_digits(bytes(high)), (206 * 11) % 256);
-  const kesext::MinCode code = kesext::encode_min_digits(bytes(high));
-  EXPECT_EQ(code.min2, 206 * 111);
-  EXPECT_EQ(code.min1, (206U * 111U) << 14 | (0xFFU - 0x30U) << 10 | 206U * 111U);
-}
+// What is no digit is plain arithmetic on unsigned bytes: 0xFF - '1' is 206.
+constexpr auto kHigh = text("\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF");
+static_assert(encode_mcc_digits(kHigh.data()) == 206 * 111);
+static_assert(encode_imsi_11_12_digits(kHigh.data()) == 206 * 11 % 256);
+static_assert(encode_min_digits(kHigh.data()).min2 == 206 * 111);
+static_assert(encode_min_digits(kHigh.data()).min1 == (206U * 111 << 14 | (0xFFU - '0') << 10 | 206U * 111));
 
-TEST(DigitCodingTest, CodesBeyondTheirRangeDecodeToCharactersBeyond9) {
-  EXPECT_EQ(text(kesext::decode_mcc_digits(1000)), ";11");
-  EXPECT_EQ(text(kesext::decode_mcc_digits(65535)),
-            std::string({static_cast<char>((655 + '1') & 0xFF), '4', '6'}));
-  EXPECT_EQ(text(kesext::decode_imsi_11_12_digits(255)), std::string({static_cast<char>(25 + '1'), '6'}));
-  EXPECT_EQ(text(kesext::decode_min_digits(0, 0)), "1111110111") << "a thousands code of 0 is '0' like 10";
-  EXPECT_EQ(text(kesext::decode_min_digits(15U << 10, 0))[6], '?');
-  EXPECT_EQ(text(kesext::decode_mcc_digits(26500)), "011") << "a first code of 265 is 9 on 8 bits";
-  EXPECT_EQ(kesext::decode_min_digits(0xFF000000, 0), kesext::decode_min_digits(0, 0)) << "24 bits count";
-}
+static_assert(decode_mcc_digits(1000) == text(";11"), "characters beyond 9");
+static_assert(decode_mcc_digits(65535) == text("\30046"), "655 + '1' on 8 bits");
+static_assert(decode_mcc_digits(26500) == text("011"), "a first code of 265 is 9 on 8 bits");
+static_assert(decode_imsi_11_12_digits(255) == text("J6"));
+static_assert(decode_min_digits(0, 0) == text("1111110111"), "a thousands code of 0 is '0' like 10");
+static_assert(decode_min_digits(15 << 10, 0) == text("111111?111"));
+static_assert(decode_min_digits(0xFF000000, 0) == decode_min_digits(0, 0), "24 bits count");
 
-TEST(VocoderCodingTest, SelectionsAndServiceOptionsMapBothWays) {
-  const std::pair<int32_t, uint16_t> rows[] = {{0, 0x8000}, {1, 0x8002}, {2, 0x801C}, {3, 0x0002},
-                                               {4, 0x0009}, {5, 0x0003}, {6, 0x0044}};
-  for (const auto& [vocoder, service_option] : rows) {
-    EXPECT_EQ(kesext::vocoder_to_service_option(vocoder), service_option);
-    EXPECT_EQ(kesext::service_option_to_vocoder(service_option), vocoder);
-  }
-  for (const int32_t vocoder : {7, -1, INT32_MIN})
-    EXPECT_EQ(kesext::vocoder_to_service_option(vocoder), 0x8000);
-  for (const uint16_t option : {uint16_t{0x8008}, uint16_t{1}, uint16_t{0}})
-    EXPECT_EQ(kesext::service_option_to_vocoder(option), -1);
+constexpr bool mapsBothWays(int32_t vocoder, uint16_t service_option) {
+  return vocoder_to_service_option(vocoder) == service_option &&
+         service_option_to_vocoder(service_option) == vocoder;
 }
+static_assert(mapsBothWays(0, 0x8000) && mapsBothWays(1, 0x8002) && mapsBothWays(2, 0x801C));
+static_assert(mapsBothWays(3, 0x0002) && mapsBothWays(4, 0x0009) && mapsBothWays(5, 0x0003));
+static_assert(mapsBothWays(6, 0x0044));
+static_assert(vocoder_to_service_option(7) == 0x8000 && vocoder_to_service_option(-1) == 0x8000);
+static_assert(vocoder_to_service_option(INT32_MIN) == 0x8000);
+static_assert(service_option_to_vocoder(0x8008) == -1 && service_option_to_vocoder(1) == -1);
+static_assert(service_option_to_vocoder(0) == -1);
 
 }  // namespace
 }  // namespace kesext_test
