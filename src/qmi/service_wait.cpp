@@ -3,28 +3,17 @@
 #include <sys/time.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <ctime>
-#include <new>
 
 namespace kesext {
 
 namespace {
 
-/// Only the first entry is ever connected to; a modem that counts more instances than this is not believed.
-constexpr uint32_t kServiceEntriesMax = 256;
-constexpr long kNanosecondsPerSecond = 1'000'000'000;
-
 /// The wall-clock time in one second.
 timespec inOneSecond() {
   timeval now{};
   gettimeofday(&now, nullptr);
-  timespec deadline{.tv_sec = now.tv_sec + 1, .tv_nsec = now.tv_usec * 1000};
-  if (deadline.tv_nsec >= kNanosecondsPerSecond) {
-    ++deadline.tv_sec;
-    deadline.tv_nsec -= kNanosecondsPerSecond;
-  }
-  return deadline;
+  return {.tv_sec = now.tv_sec + 1, .tv_nsec = now.tv_usec * 1000};
 }
 
 }  // namespace
@@ -47,7 +36,8 @@ void waitForService(QmiSignal* signal) {
   const timespec deadline = inOneSecond();
   pthread_mutex_lock(&signal->mutex);
   while (signal->sig_set == 0) {
-    if (pthread_cond_timedwait(&signal->cond, &signal->mutex, &deadline) == ETIMEDOUT) {
+    // A wait that fails is over too: it would fail again at once, for ever.
+    if (pthread_cond_timedwait(&signal->cond, &signal->mutex, &deadline) != 0) {
       signal->timed_out = 1;
       break;
     }
@@ -63,9 +53,9 @@ qmi_client_error_type countInstances(qmi_idl_service_object_type service, uint32
 
 ServiceList fetchServiceList(qmi_idl_service_object_type service, uint32_t num_services) {
   ServiceList list;
-  list.num_entries = std::min(num_services, kServiceEntriesMax);
-  list.num_services = num_services;
-  list.entries.reset(new (std::nothrow) qmi_service_info[std::max(list.num_entries, 1U)]());
+  list.num_entries = list.num_services = num_services;
+  list.entries.reset(
+      static_cast<qmi_service_info*>(std::calloc(std::max(num_services, 1U), sizeof(qmi_service_info))));
   if (list.entries)
     list.result =
         qmi_client_get_service_list(service, list.entries.get(), &list.num_entries, &list.num_services);

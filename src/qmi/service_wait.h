@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 
 #include "platform/qmi_client.h"
@@ -26,18 +27,22 @@ class ServiceNotifier {
 };
 
 /// Waits at most one second for the framework to signal a service event; returns at once when it ever has.
-/// Stores in `signal->timed_out` whether the second passed.
+/// Stores in `signal->timed_out` whether the wait ended without one; one that fails counts as a second.
 void waitForService(QmiSignal* signal);
 
 /// Asks how many instances of the service are published. The framework's result.
 qmi_client_error_type countInstances(qmi_idl_service_object_type service, uint32_t* num_services);
 
-/// The service information list.
+/// The service information list. There is a first entry whenever the result is 0.
 struct ServiceList {
+  struct Free {
+    void operator()(qmi_service_info* list) const { std::free(list); }
+  };
+
   qmi_client_error_type result = -1;  // the framework's, or -1 when there was no memory
   uint32_t num_entries = 0;
   uint32_t num_services = 0;
-  std::unique_ptr<qmi_service_info[]> entries;  // at least one, cleared where the framework filled none
+  std::unique_ptr<qmi_service_info[], Free> entries;  // zero where the framework filled none
 };
 
 /// Fetches the list with room for the `num_services` instances that were counted.

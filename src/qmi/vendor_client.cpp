@@ -12,7 +12,7 @@ namespace kesext {
 
 namespace {
 
-/// Attempts to find the service, of at most one second each.
+/// Attempts to find the service; between two of them is a wait of at most one second.
 constexpr int kServiceAttempts = 500;
 
 /// Set by the main thread at start-up, only read afterwards.
@@ -29,13 +29,13 @@ void qmi_kesext_hook_ind_cb(qmi_client_type user_handle, uint32_t msg_id, const 
   vendor.route(user_handle, msg_id, ind_buf, ind_buf_len, ind_cb_data);
 }
 
-/// Waits until enough instances are published, and counts them. False when it gave up.
+/// Waits until enough instances are published, and counts them. False, after a log line, when it gave up.
 bool waitForInstances(qmi_idl_service_object_type service, bool external_modem, uint32_t* num_services) {
   for (int attempts_left = kServiceAttempts;;) {
     const int result = countInstances(service, num_services);
     LOGE("qmi_kesext_hook_client_init: qmi_client_get_service_list() returned %d num_services = %d\n", result,
          *num_services);
-    // Beside an external modem another instance of the service is published first.
+    // With an external modem the service is not up before its second instance.
     if (result == 0 && (!external_modem || *num_services > 1)) return true;
     LOGE("qmi_kesext_hook_client_init: wait for server to come up.\n");
     waitForService(&vendor.signal);
