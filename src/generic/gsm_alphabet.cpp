@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <iterator>
+#include <string_view>
 
 #include "core/ground/log.h"
 
@@ -11,6 +12,8 @@ namespace {
 
 constexpr uint8_t kCarriageReturn = 0x0D;
 constexpr uint8_t kLastCode = 0x7F;
+/// Most bytes of one character in UTF-8, which the caller's buffer has room for.
+constexpr size_t kUtf8BytesMax = 2;
 
 /// By code; the escape to the extension table, 0x1B, is a blank.
 // clang-format off
@@ -26,6 +29,13 @@ constexpr const char* kGsmAlphabet[] = {
 };
 // clang-format on
 static_assert(std::size(kGsmAlphabet) == kLastCode + 1);
+
+constexpr bool charactersFit() {
+  for (const std::string_view character : kGsmAlphabet)
+    if (character.size() > kUtf8BytesMax) return false;
+  return true;
+}
+static_assert(charactersFit());
 
 }  // namespace
 

@@ -58,21 +58,25 @@ bool writePartition(const void* region) {
 }
 
 bool saveRegion() {
-  const DeviceFile device(kSharedRamPath, O_RDWR);
-  if (!device) {
-    LOGE("dhob_write: Unable to open %s", kSharedRamPath);
-    return false;
+  void* region = MAP_FAILED;
+  bool saved = false;
+  {
+    const DeviceFile device(kSharedRamPath, O_RDWR);
+    if (!device) {
+      LOGE("dhob_write: Unable to open %s", kSharedRamPath);
+      return false;
+    }
+    LOGE("dhob_write: kes_shared_ram open success");
+    region =
+        mmap(nullptr, kRegionSize, PROT_READ | PROT_WRITE, MAP_SHARED, device.descriptor(), kRegionOffset);
+    if (region == MAP_FAILED) {
+      LOGE("dhob_write: mmap failed");
+      LOGE("dhob_write: base %#x", static_cast<unsigned>(kRegionOffset));
+      LOGE("dhob_write: size %#x", static_cast<unsigned>(kRegionSize));
+      return false;
+    }
+    saved = writePartition(region);
   }
-  LOGE("dhob_write: kes_shared_ram open success");
-  void* region =
-      mmap(nullptr, kRegionSize, PROT_READ | PROT_WRITE, MAP_SHARED, device.descriptor(), kRegionOffset);
-  if (region == MAP_FAILED) {
-    LOGE("dhob_write: mmap failed");
-    LOGE("dhob_write: base %#x", static_cast<unsigned>(kRegionOffset));
-    LOGE("dhob_write: size %#x", static_cast<unsigned>(kRegionSize));
-    return false;
-  }
-  const bool saved = writePartition(region);
   munmap(region, kRegionSize);
   return saved;
 }
