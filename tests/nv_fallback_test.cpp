@@ -101,17 +101,8 @@ TEST_F(NvFallbackTest, AGenericWriteOfMoreThan512BytesIsSilent) {
   EXPECT_EQ(GenericWrite(nvPayload(500, 0, 0, 512, Bytes(512, 1))), cdmaResponse(0x02000015, 0));
 }
 
-TEST_F(NvFallbackTest, AnswersNeedARequestAndAResponseAndAKnownId) {
-  const kesext::RdeReadResponse response{};
-  const kesext::HookRequest* request = Request(cdmaRequest(0x02000008));
-  kesext::handleNvResponse(nullptr, &response, 4);
-  kesext::handleNvResponse(request, nullptr, 4);
-  kesext::handleSpcResponse(nullptr, &response, 6);
-  kesext::handleSpcResponse(request, nullptr, 6);
-  EXPECT_EQ(Written(), Bytes{});
-  EXPECT_THAT(fake_log, IsEmpty());
-
-  kesext::handleNvResponse(request, &response, 2);
+TEST_F(NvFallbackTest, AnIdThatIsNoFixedReadIsAnsweredWithStatus5) {
+  kesext::handleNvResponse(Request(cdmaRequest(0x02000008)), {}, 2);
   EXPECT_EQ(Written(), cdmaResponse(0x02000008, 5, Bytes(2)));
   EXPECT_THAT(fake_log, ElementsAre("E handleNvResponse for id 2000008, dataSize-2, respSize-0",
                                     "E This should not happen",

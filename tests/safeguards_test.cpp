@@ -2,6 +2,10 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
 
 #include "carrier/indications.h"
 #include "carrier/lte_data.h"
@@ -10,13 +14,21 @@
 #include "carrier/request_handlers.h"
 #include "carrier/response_builder.h"
 #include "carrier/service_codes.h"
+#include "core/ground/carrier_response.h"
+#include "core/ground/parent_pipes.h"
 #include "generic/antenna_tuning.h"
 #include "generic/data_plmn.h"
 #include "generic/pfp.h"
+#include "generic/rf_save.h"
 #include "generic/signal_coverage.h"
+#include "generic/utility_requests.h"
+#include "handset/folder.h"
 #include "handset/hook_records.h"
 #include "nam/engineering_data.h"
+#include "nv/nv_requests.h"
 #include "platform/qmi_client.h"
+#include "qmi/send.h"
+#include "qmi/service_wait.h"
 #include "support/unit_test.h"
 
 namespace kesext_test {
@@ -94,14 +106,92 @@ TEST_F(SafeguardsTest, NullPointersAreLogged) {
 }
 
 TEST_F(SafeguardsTest, WithoutMemoryTheRequestIsDeclinedAndTheMessageDropped) {
-  const kesext::HookRequest* request = Request(handset::cdmaRequest(0x020000BC));
+  const kesext::HookRequest& request = Request(handset::cdmaRequest(0x020000BC));
   fake_out_of_memory = true;
-  EXPECT_EQ(kesext::kesext_hook_sprint_handler(request, 0xFFFFFFFF, 0), 0xFFFFFFFFU);
+  EXPECT_EQ(kesext::kesext_hook_sprint_handler(&request, 0xFFFFFFFF, 0), 0xFFFFFFFFU);
   EXPECT_EQ(fake_log.back(), "E kesext_hook_sprint_send_response: ENTER FUNCTION 33554620 ");
   const uint32_t value = 7;
   kesext::send_unsol_response(0x020001B0, &value, sizeof value);
   EXPECT_EQ(fake_log.back(), "E send_unsol_response: out of memory!");
   EXPECT_EQ(Written(), Bytes{});
+}
+
+TEST_F(SafeguardsTest, WithoutMemoryAnElementIsReadOnceAndAnsweredWithAFailure) {
+  const kesext::HookRequest& request =
+      Request(handset::cdmaRequest(0x02000016, handset::nvPayload(53, 0, 0, 0)));
+  fake_out_of_memory = true;
+  EXPECT_EQ(kesext::kesext_hook_sprint_handler(&request, 0xFFFFFFFF, 0), 0U);
+  EXPECT_EQ(Written(), cdmaResponse(0x02000016, 5));
+  EXPECT_EQ(fake_sends.size(), 1U);
+}
+
+TEST_F(SafeguardsTest, WithoutMemoryTheShortAnswersAndTheFailuresStillGoOut) {
+  fake_out_of_memory = true;
+  const kesext::HookRequest& cdma = Request(handset::cdmaRequest(0x02000017));
+  kesext::sendStatusResponse(&cdma, 6);
+  EXPECT_EQ(Written(), cdmaResponse(0x02000017, 6));
+  kesext::handleNvReadRequest(cdma, 0x26, 0);
+  EXPECT_EQ(Written(), cdmaResponse(0x02000017, 5));
+  kesext::handleGenNvReadRequest(cdma, 0, 0);
+  EXPECT_EQ(Written(), cdmaResponse(0x02000017, 5));
+  kesext::handleUtilsRequest(cdma, 0, 0);
+  EXPECT_EQ(Written(), cdmaResponse(0x02000017, 5));
+  const kesext::HookRequest& generic = Request(handset::genericRequest(0x05002A));
+  kesext::sendGenericErrorResponse(generic.bytes.data());
+  EXPECT_EQ(Written(), hex("00 05 00 2A FF FF FF FF"));
+  kesext::handleSysInfoFilter(generic, 0, 0);
+  EXPECT_EQ(Written(), hex("00 05 00 2A 01 00 00 00 00"));
+  kesext::kesext_hook_set_antenna_tuning(generic, 0, 0);
+  EXPECT_EQ(Written(), hex("00 05 00 2A 01 00 00 00 05"));
+}
+
+TEST_F(SafeguardsTest, AnAnswerIsNotGivenMoreThanItHolds) {
+  kesext::CarrierResponse answer;
+  answer.putBytes(Bytes(1040, 7).data(), 1040);
+  answer.putBytes(Bytes(5, 8).data(), 5);
+  answer.putZeros(1);
+  EXPECT_EQ(answer.length(), 1044);
+  EXPECT_EQ(answer.payload()[1039], 7);
+  EXPECT_EQ(answer.payload()[1043], 8);
+}
+
+TEST_F(SafeguardsTest, AResponseIsClearedBetweenItsMembersToo) {
+  struct Padded {
+    uint32_t result;
+    uint8_t value;
+  };
+  Padded response;
+  std::memset(&response, 0xAA, sizeof response);
+  kesext::sendVendor(kesext::VendorMessage<kesext::NoRequest, Padded>{1}, kesext::NoRequest{}, response);
+  const auto* bytes = reinterpret_cast<const uint8_t*>(&response);
+  EXPECT_EQ(Bytes(bytes, bytes + sizeof response), Bytes(8));
+}
+
+TEST_F(SafeguardsTest, AWaitThatFailsCountsAsOneThatTimedOut) {
+  QmiSignal signal{};
+  fake_wait_result = EINVAL;
+  kesext::waitForService(&signal);
+  EXPECT_EQ(signal.timed_out, 1);
+}
+
+TEST_F(SafeguardsTest, TheSharedMemoryIsUnmappedOnceItsDeviceIsClosed) {
+  const handset::Folder folder;
+  setenv("HANDSET_ROOT", folder.root().c_str(), 1);
+  constexpr const char* kDevice = "/dev/kes_hob_ram";
+  folder.writeFileAt(kDevice, 0xF540000, Bytes(0x8000, 7));
+  folder.writeFile("/dev/block/bootdevice/by-name/dhob", "");
+  std::vector<bool> open_at_unmap;
+  fake_unmap = [&] {
+    open_at_unmap.push_back(false);
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+      std::error_code gone;
+      if (std::filesystem::read_symlink(entry, gone) == folder.path(kDevice)) open_at_unmap.back() = true;
+    }
+  };
+  kesext::dhob_write();
+  EXPECT_THAT(open_at_unmap, ElementsAre(false));
+  EXPECT_EQ(folder.readFile("/dev/block/bootdevice/by-name/dhob"), Bytes(0x8000, 7));
+  unsetenv("HANDSET_ROOT");
 }
 
 TEST_F(SafeguardsTest, WithoutMemoryIndicationsAreDropped) {

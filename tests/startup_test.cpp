@@ -84,9 +84,8 @@ TEST_F(StartupTest, SelectAndReadFailuresAreLoggedAndRetriedAtOnce) {
     const char* request_pipe;
     const char* log;
   };
-  // A closed descriptor (below 64: the kernel may wait for ever on one beyond its table), two that no
-  // descriptor set holds, and one that may only be written.
-  const Case cases[] = {{"63", "Select failed with errno = 9."},
+  // Two closed descriptors, one that cannot be, and one that may only be written.
+  const Case cases[] = {{"99", "Select failed with errno = 9."},
                         {"1024", "Select failed with errno = 9."},
                         {"-2", "Select failed with errno = 9."},
                         {"4", "Dispatcher: read failed with errno 9"}};
@@ -104,6 +103,22 @@ TEST_F(StartupTest, SelectAndReadFailuresAreLoggedAndRetriedAtOnce) {
     parent_->kill(SIGKILL);
     EXPECT_EQ(parent_->wait(), -SIGKILL);
   }
+}
+
+TEST_F(StartupTest, ARequestPipeMayHaveAnyNumber) {
+  handset::ParentOptions options{.executable = "/bin/bash", .handset_root = folder_.root()};
+  options.arguments = {"-c", R"(ulimit -n 3000; exec "$0" 2500 4 5 0 2500<&3 3<&-)", KESEXT_BINARY};
+  parent_ = std::make_unique<handset::Parent>(std::move(options));
+  EXPECT_EQ(parent_->ask(cdmaRequest(0x02000099)), cdmaResponse(0x02000099, 6));
+  EXPECT_EQ(End(), 0);
+}
+
+TEST_F(StartupTest, TheListOfInstancesHasRoomForAllThatWereCounted) {
+  modem_.publish(Service::vendor, 1000);
+  Start();
+  EXPECT_TRUE(
+      Logs("qmi_kesext_hook_client_init: qmi_client_get_service_list() returned 0 num_entries = 1000 "
+           "num_services = 1000"));
 }
 
 TEST_F(StartupTest, AModemThatComesLateIsWaitedFor) {

@@ -10,9 +10,7 @@
 #include "adam/log_names.h"
 #include "adam/log_update.h"
 #include "core/ground/device_file.h"
-#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
-#include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
 
 namespace kesext {
@@ -21,8 +19,6 @@ namespace {
 
 constexpr mode_t kDirectoryMode = 0750;
 constexpr mode_t kPackageMode = 0740;
-
-constexpr uint8_t kKpiUnsolMsgType = 1;
 
 /// False, after a log line, when there is no log directory.
 bool makeLogDirectory() {
@@ -78,14 +74,10 @@ void adamIndHndlr(const utils_ind_msg_v01& record) {
 void adam_handle_kpi_data(const adam_packet& packet) {
   // The parent takes the low byte for the length.
   const auto length = static_cast<uint8_t>(packet.size());
-  const MessageBuffer message = buildGenericUnsol(kKpiUnsolMsgType, UNSOL_KPI, length);
-  if (!message) {
+  if (sendGenericUnsol(UNSOL_KPI, packet.payload, length))
+    LOGE("adam_handle_kpi_data: send data out");
+  else
     LOGE("adam_handle_kpi_data: out of memory!");
-    return;
-  }
-  std::memcpy(message.data() + kUnsolGenericPayloadOffset, packet.payload, length);
-  writeUnsolToParent(message.data(), message.size());
-  LOGE("adam_handle_kpi_data: send data out");
 }
 
 }  // namespace kesext

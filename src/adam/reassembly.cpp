@@ -1,6 +1,7 @@
 #include "adam/reassembly.h"
 
 #include "core/ground/log.h"
+#include "core/ground/table.h"
 
 namespace kesext {
 
@@ -21,11 +22,11 @@ constexpr HeaderRow kHeaders[] = {
     {0x06C0FFEE, PackageKind::kpi},
     {0x07C0FFEE, PackageKind::kpi},
 };
+static_assert(keysAreUnique(kHeaders, &HeaderRow::header));
 
 PackageKind kindOf(uint32_t header) {
-  for (const HeaderRow& row : kHeaders)
-    if (row.header == header) return row.kind;
-  return PackageKind::unknown;
+  const HeaderRow* row = findRow(kHeaders, &HeaderRow::header, header);
+  return row != nullptr ? row->kind : PackageKind::unknown;
 }
 
 }  // namespace

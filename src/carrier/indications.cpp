@@ -2,10 +2,9 @@
 
 #include <cstring>
 
-#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
-#include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
+#include "qmi/indication.h"
 #include "qmi/vendor_indications.h"
 
 namespace kesext {
@@ -15,13 +14,11 @@ namespace {
 constexpr uint32_t kTaken = 0;
 constexpr uint32_t kNotTaken = 0xFFFFFFFF;
 
-/// Decodes an indication into a cleared record. False, after a log line, when it does not decode.
+/// Decodes into the record. False, after a log line, when it does not decode.
 template <typename Record>
 bool decode(qmi_client_type client, uint32_t indication_id, const uint8_t* buffer, uint32_t buffer_length,
-            Record* record) {
-  *record = {};
-  const int result = qmi_client_message_decode(client, QMI_IDL_INDICATION, indication_id, buffer,
-                                               buffer_length, record, sizeof *record);
+            Record& record) {
+  const int result = decodeIndication(client, indication_id, buffer, buffer_length, record);
   if (result != 0) LOGE("kes_qmi_sprint_hook_ind_cb: qmi_client_message_decode Failed(%d).", result);
   return result == 0;
 }
@@ -33,14 +30,14 @@ uint32_t kes_qmi_sprint_hook_ind_cb(qmi_client_type client, uint32_t indication_
   switch (indication_id) {
     case IND_CARRIER_VALUE: {
       ValueIndication indication;
-      if (!decode(client, indication_id, buffer, buffer_length, &indication)) return kTaken;
+      if (!decode(client, indication_id, buffer, buffer_length, indication)) return kTaken;
       const uint32_t widened = indication.value;
       send_unsol_response(UNSOL_CARRIER_VALUE, &widened, sizeof widened);
       return kTaken;
     }
     case IND_LTE_ERROR: {
       LteErrorIndication indication;
-      if (!decode(client, indication_id, buffer, buffer_length, &indication)) return kTaken;
+      if (!decode(client, indication_id, buffer, buffer_length, indication)) return kTaken;
       LteErrorRecord record{};
       convert_lte_error_to_ril_format(&indication, &record);
       send_unsol_response(UNSOL_LTE_ERROR, &record, sizeof record);
@@ -64,13 +61,7 @@ void convert_lte_error_to_ril_format(const LteErrorIndication* indication, LteEr
 }
 
 void send_unsol_response(uint32_t msg_id, const void* data, uint32_t length) {
-  const MessageBuffer message = buildCdmaUnsol(msg_id, length);
-  if (!message) {
-    LOGE("send_unsol_response: out of memory!");
-    return;
-  }
-  std::memcpy(message.data() + kUnsolCdmaPayloadOffset, data, length);
-  writeUnsolToParent(message.data(), message.size());
+  if (!sendCdmaUnsol(msg_id, data, length)) LOGE("send_unsol_response: out of memory!");
 }
 
 }  // namespace kesext

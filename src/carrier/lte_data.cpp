@@ -125,13 +125,13 @@ bool kes_qmi_sprint_get_lte_data(LteData* data) {
   return readServingSystem(*data) && readSignal(*data) && readTransmitPower(*data);
 }
 
-void handle_get_lte_data(const HookRequest& request, uint32_t, CarrierAnswer& answer) {
+void handle_get_lte_data(const HookRequest& request, uint32_t, CarrierResponse& answer) {
   LOGE("handle_get_lte_data: EVENT VALUE %d ", request.msgId());
   LteData data{};
   if (kes_qmi_sprint_get_lte_data(&data))
     answer.put(data);
   else
-    answer.putResult(false);
+    answer.setStatus(false);
 }
 
 }  // namespace kesext

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "carrier/carrier_answer.h"
+#include "core/ground/carrier_response.h"
 
 namespace kesext {
 
@@ -41,6 +41,6 @@ static_assert(offsetof(LteData, tx_power) == 26);
 bool kes_qmi_sprint_get_lte_data(LteData* data);
 
 /// Answers with a snapshot.
-void handle_get_lte_data(const HookRequest& request, uint32_t argument, CarrierAnswer& answer);
+void handle_get_lte_data(const HookRequest& request, uint32_t argument, CarrierResponse& answer);
 
 }  // namespace kesext

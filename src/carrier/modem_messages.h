@@ -21,12 +21,6 @@ struct ResultOnly {
 };
 static_assert(sizeof(ResultOnly) == 4);
 
-struct ResultAndError {
-  uint32_t result;
-  uint32_t error;
-};
-static_assert(sizeof(ResultAndError) == 8 && offsetof(ResultAndError, error) == 4);
-
 struct FactoryResetRequest {
   uint8_t reset_flag;
 };

@@ -7,6 +7,18 @@
 
 namespace kesext {
 
+namespace {
+
+/// Sends for an operation, under whose name a failed send is logged. Whether a response came.
+template <typename Message, typename Request, typename Response>
+bool sendFor(const char* operation, const Message& message, const Request& request, Response& response) {
+  const int32_t sent = sendVendor(message, request, response);
+  if (sent != 0) LOGE("%s: qmi_client_send_msg_sync failed (%d).", operation, sent);
+  return sent == 0;
+}
+
+}  // namespace
+
 bool kes_qmi_sprint_fatory_reset(uint8_t reset_flag) {
   FactoryResetResponse response;
   const int32_t sent = sendVendor(kFactoryReset, FactoryResetRequest{reset_flag}, response);
@@ -22,21 +34,13 @@ bool kes_qmi_sprint_set_roaming_list_segment(uint32_t size, const uint8_t* data)
   request.data_length = std::min(size, kRoamingListSegmentMax);
   std::memcpy(request.data, data, request.data_length);
   ResultOnly response;
-  const int32_t sent = sendVendor(kSetRoamingList, request, response);
-  if (sent != 0) {
-    LOGE("kes_qmi_sprint_set_roaming_list_segment: qmi_client_send_msg_sync failed (%d).", sent);
-    return false;
-  }
+  if (!sendFor(__func__, kSetRoamingList, request, response)) return false;
   return response.result == kSetRoamingList.success;
 }
 
 uint32_t kes_qmi_sprint_read_band(uint32_t band_index) {
   ReadBandResponse response;
-  const int32_t sent = sendVendor(kReadBand, ReadBandRequest{band_index}, response);
-  if (sent != 0) {
-    LOGE("kes_qmi_sprint_read_band: qmi_client_send_msg_sync failed (%d).", sent);
-    return 0;
-  }
+  if (!sendFor(__func__, kReadBand, ReadBandRequest{band_index}, response)) return 0;
   if (response.result != kReadBand.success) {
     LOGE("kes_qmi_sprint_read_band: Read Band failed.");
     return 0;
@@ -46,21 +50,13 @@ uint32_t kes_qmi_sprint_read_band(uint32_t band_index) {
 
 bool kes_qmi_sprint_write_band(uint32_t band_index, uint32_t status) {
   ResultOnly response;
-  const int32_t sent = sendVendor(kWriteBand, WriteBandRequest{band_index, status}, response);
-  if (sent != 0) {
-    LOGE("kes_qmi_sprint_write_band: qmi_client_send_msg_sync failed (%d).", sent);
-    return false;
-  }
+  if (!sendFor(__func__, kWriteBand, WriteBandRequest{band_index, status}, response)) return false;
   return response.result == kWriteBand.success;
 }
 
 bool kes_qmi_sprint_switch_proflie(uint32_t profile) {
   ResultOnly response;
-  const int32_t sent = sendVendor(kSwitchProfile, SwitchProfileRequest{profile}, response);
-  if (sent != 0) {
-    LOGE("kes_qmi_sprint_switch_proflie: qmi_client_send_msg_sync failed (%d).", sent);
-    return false;
-  }
+  if (!sendFor(__func__, kSwitchProfile, SwitchProfileRequest{profile}, response)) return false;
   if (response.result != kSwitchProfile.success) {
     LOGE("kes_qmi_sprint_switch_proflie: failed.");
     return false;
@@ -70,18 +66,13 @@ bool kes_qmi_sprint_switch_proflie(uint32_t profile) {
 
 TotOrderReadResponse kes_qmi_sprint_get_tot_order() {
   TotOrderReadResponse response;
-  const int32_t sent = sendVendor(kReadTotOrder, NoRequest{}, response);
-  if (sent != 0) LOGE("kes_qmi_sprint_get_tot_order: qmi_client_send_msg_sync failed (%d).", sent);
+  sendFor(__func__, kReadTotOrder, NoRequest{}, response);
   return response;
 }
 
 bool kes_qmi_sprint_update_tot_order(const TotOrderUpdateRequest& request) {
   ResultAndError response;
-  const int32_t sent = sendVendor(kUpdateTotOrder, request, response);
-  if (sent != 0) {
-    LOGE("kes_qmi_sprint_update_tot_order: qmi_client_send_msg_sync failed (%d).", sent);
-    return false;
-  }
+  if (!sendFor(__func__, kUpdateTotOrder, request, response)) return false;
   if (response.result != kUpdateTotOrder.success) {
     LOGE("kes_qmi_sprint_update_tot_order: Update TOT order failed (%d).", response.error);
     return false;
@@ -94,17 +85,12 @@ void kes_qmi_sprint_get_active_ehrpd_apn(EhrpdApnResponse* response) {
     LOGE("kes_qmi_sprint_get_active_ehrpd_apn: NULL point");
     return;
   }
-  const int32_t sent = sendVendor(kReadEhrpdApns, NoRequest{}, *response);
-  if (sent != 0) LOGE("kes_qmi_sprint_get_active_ehrpd_apn: qmi_client_send_msg_sync failed (%d).", sent);
+  sendFor(__func__, kReadEhrpdApns, NoRequest{}, *response);
 }
 
 uint8_t kes_qmi_sprint_get_lte_service_state() {
   LteServiceStateResponse response;
-  const int32_t sent = sendVendor(kReadLteServiceState, NoRequest{}, response);
-  if (sent != 0) {
-    LOGE("kes_qmi_sprint_get_lte_service_state: qmi_client_send_msg_sync failed (%d).", sent);
-    return 0;
-  }
+  if (!sendFor(__func__, kReadLteServiceState, NoRequest{}, response)) return 0;
   if (response.result != kReadLteServiceState.success) {
     LOGE("kes_qmi_sprint_get_lte_option: Get LTE service state failed (%d).", response.error);
     return 0;
@@ -114,11 +100,7 @@ uint8_t kes_qmi_sprint_get_lte_service_state() {
 
 uint32_t kes_qmi_sprint_get_bsr_timer() {
   BsrTimerResponse response;
-  const int32_t sent = sendVendor(kReadBsrTimer, NoRequest{}, response);
-  if (sent != 0) {
-    LOGE("kes_qmi_sprint_get_bsr_timer: qmi_client_send_msg_sync failed (%d).", sent);
-    return 0;
-  }
+  if (!sendFor(__func__, kReadBsrTimer, NoRequest{}, response)) return 0;
   if (response.result != kReadBsrTimer.success) {
     LOGE("kes_qmi_sprint_get_bsr_timer: Get BSR timer failed (%d).", response.error);
     return 0;
@@ -128,11 +110,7 @@ uint32_t kes_qmi_sprint_get_bsr_timer() {
 
 bool kes_qmi_sprint_set_bsr_timer(uint32_t timer) {
   ResultAndError response;
-  const int32_t sent = sendVendor(kSetBsrTimer, BsrTimerRequest{timer}, response);
-  if (sent != 0) {
-    LOGE("kes_qmi_sprint_set_bsr_timer: qmi_client_send_msg_sync failed (%d).", sent);
-    return false;
-  }
+  if (!sendFor(__func__, kSetBsrTimer, BsrTimerRequest{timer}, response)) return false;
   if (response.result != kSetBsrTimer.success) {
     LOGE("kes_qmi_sprint_set_bsr_timer: Set BSR timer failed (%d).", response.error);
     return false;
@@ -143,11 +121,7 @@ bool kes_qmi_sprint_set_bsr_timer(uint32_t timer) {
 void kes_qmi_sprint_get_lte_ul_dl_channel(uint32_t* second_channel, uint32_t* first_channel,
                                           uint8_t* first_value, uint8_t* second_value) {
   LteChannelResponse response;
-  const int32_t sent = sendVendor(kReadLteChannels, NoRequest{}, response);
-  if (sent != 0) {
-    LOGE("kes_qmi_sprint_get_lte_ul_dl_channel: qmi_client_send_msg_sync failed (%d).", sent);
-    return;
-  }
+  if (!sendFor(__func__, kReadLteChannels, NoRequest{}, response)) return;
   if (response.result != kReadLteChannels.success) {
     LOGE("kes_qmi_sprint_get_lte_ul_dl_channel: failed (%d).", response.error);
     return;

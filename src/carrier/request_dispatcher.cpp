@@ -1,16 +1,18 @@
 #include "carrier/request_dispatcher.h"
 
-#include <cstddef>
 #include <cstring>
+#include <iterator>
 
-#include "carrier/carrier_answer.h"
 #include "carrier/lte_data.h"
 #include "carrier/modem_operations.h"
 #include "carrier/request_handlers.h"
 #include "carrier/response_builder.h"
 #include "carrier/service_codes.h"
+#include "core/ground/carrier_response.h"
 #include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
+#include "core/ground/parent_pipes.h"
+#include "core/ground/table.h"
 #include "nam/engineering_data.h"
 #include "nam/nam_read.h"
 #include "nam/nam_requests.h"
@@ -22,9 +24,6 @@ namespace {
 
 constexpr uint32_t kServed = 0;
 constexpr uint32_t kNotServed = 0xFFFFFFFF;
-
-constexpr uint32_t kFirstId = 0x02000001;
-constexpr uint32_t kLastId = 0x020000CB;
 
 /// What a request is logged with, and needs, before its handler runs.
 enum class Branch {
@@ -41,12 +40,16 @@ enum class Header {
   fresh,  // spc all zero
 };
 
+/// What becomes of a request when there is no memory for its answer.
+enum class WithoutMemory { decline, fail };
+
 struct CarrierRow {
   uint32_t msgId;
   Branch branch;
   Header header;
   CarrierHandler handler;
   uint32_t argument = 0;
+  WithoutMemory without_memory = WithoutMemory::decline;
 };
 
 constexpr CarrierRow kCarrierTable[] = {
@@ -60,7 +63,7 @@ constexpr CarrierRow kCarrierTable[] = {
     {HOOK_EVDO_DATA, Branch::plain, Header::fresh, kesext_hook_sprint_get_evdo_data},
     {HOOK_AKEY_WRITE, Branch::plain, Header::echo, kesext_hook_sprint_write_akey},
     {HOOK_RDE_WRITE, Branch::plain, Header::fresh, kesext_hook_sprint_rde_write},
-    {HOOK_RDE_READ, Branch::plain, Header::fresh, kesext_hook_sprint_rde_read},
+    {HOOK_RDE_READ, Branch::plain, Header::fresh, kesext_hook_sprint_rde_read, 0, WithoutMemory::fail},
     {HOOK_BAND_10_READ, Branch::read, Header::fresh, kesext_hook_sprint_get_BC10_BC14_status, kBandClass10},
     {HOOK_BAND_10_WRITE, Branch::write, Header::echo, kesext_hook_sprint_set_BC10_BC14_status, kBandClass10},
     {HOOK_BAND_14_READ, Branch::read, Header::fresh, kesext_hook_sprint_get_BC10_BC14_status, kBandClass14},
@@ -91,21 +94,8 @@ constexpr CarrierRow kCarrierTable[] = {
     {HOOK_OBSOLETE_CB, Branch::obsolete, Header::echo, kesext_hook_sprint_handle_obsolete_request},
 };
 
-constexpr bool idsAscendInRange() {
-  uint32_t previous = kFirstId - 1;
-  for (const CarrierRow& row : kCarrierTable) {
-    if (row.msgId <= previous || row.msgId > kLastId) return false;
-    previous = row.msgId;
-  }
-  return true;
-}
-static_assert(idsAscendInRange());
-
-const CarrierRow* findRow(uint32_t msg_id) {
-  for (const CarrierRow& row : kCarrierTable)
-    if (row.msgId == msg_id) return &row;
-  return nullptr;
-}
+static_assert(std::size(kCarrierTable) == 39);
+static_assert(keysAreUnique(kCarrierTable, &CarrierRow::msgId));
 
 /// Logs the branch's entry. False when the request lacks what the branch needs.
 bool enter(Branch branch, const OemHookHeader& header) {
@@ -130,11 +120,11 @@ bool enter(Branch branch, const OemHookHeader& header) {
   return false;
 }
 
-uint32_t respond(const CarrierRow& row, OemHookHeader header, const CarrierAnswer& answer) {
-  header.msgLen = answer.length;
+uint32_t respond(const CarrierRow& row, OemHookHeader header, const CarrierResponse& answer) {
+  header.msgLen = answer.length();
   header.status = answer.status;
   if (row.header == Header::fresh) std::memset(header.spc, 0, sizeof header.spc);
-  return kesext_hook_sprint_send_response(header, answer.has_payload ? answer.payload : nullptr);
+  return kesext_hook_sprint_send_response(header, answer.payload());
 }
 
 }  // namespace
@@ -146,15 +136,18 @@ uint32_t kesext_hook_sprint_handler(const HookRequest* request, uint32_t, uint32
     return kServed;
   }
   const OemHookHeader header = request->header();
-  const CarrierRow* row = findRow(header.msgId);
+  const CarrierRow* row = findRow(kCarrierTable, &CarrierRow::msgId, header.msgId);
   if (row == nullptr) {
     LOGE("kesext_hook_sprint_handler: Unexpected MSG ID: %d", header.msgId);
     return kNotServed;
   }
   if (!enter(row->branch, header)) return kNotServed;
-  CarrierAnswer answer;
+  CarrierResponse answer;
   row->handler(*request, row->argument, answer);
-  return respond(*row, header, answer) == 1 ? kServed : kNotServed;
+  if (respond(*row, header, answer) == 1) return kServed;
+  if (row->without_memory == WithoutMemory::decline) return kNotServed;
+  sendStatusResponse(request, HOOK_STATUS_FAILURE);
+  return kServed;
 }
 
 }  // namespace kesext

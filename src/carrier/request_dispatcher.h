@@ -7,7 +7,8 @@
 
 namespace kesext {
 
-/// 0 when the request was served and answered, 0xFFFFFFFF when the carrier does not serve its id.
+/// 0 when the request was served, which a null one counts as; 0xFFFFFFFF, without an answer, when the carrier
+/// declines it: its id, a write without payload, or for want of memory.
 uint32_t kesext_hook_sprint_handler(const HookRequest* request, uint32_t argument, uint32_t reserved);
 
 }  // namespace kesext

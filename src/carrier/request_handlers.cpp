@@ -6,6 +6,7 @@
 #include "carrier/modem_operations.h"
 #include "core/ground/byte_access.h"
 #include "core/ground/log.h"
+#include "nv/element_payload.h"
 #include "nv/rde_operations.h"
 
 namespace kesext {
@@ -15,135 +16,129 @@ namespace {
 constexpr int32_t kLteOptionElement = 10017;
 constexpr int32_t kDdtmElement = 10018;
 
-/// What is asked of the modem for an element of unknown size, in bytes.
+/// Room for an element of unknown size, in bytes.
 constexpr uint32_t kElementReadMax = 1024;
-
-/// The words in front of an element's data, in a request and in its answer, and the zeros behind it in the
-/// answer.
-constexpr uint32_t kElementWordsSize = 16;
-constexpr uint32_t kElementZerosSize = 4;
-static_assert(kElementWordsSize + kElementReadMax + kElementZerosSize <= kCarrierPayloadMax);
+static_assert(sizeof(ElementPayload) + kElementReadMax + kElementZerosSize <= kCarrierPayloadMax);
 
 /// The factory reset flag of a request that names none.
 constexpr uint8_t kResetFlagDefault = 0xFF;
 
 }  // namespace
 
-void kesext_hook_sprint_rde_write(const HookRequest& request, uint32_t, CarrierAnswer& answer) {
+void kesext_hook_sprint_rde_write(const HookRequest& request, uint32_t, CarrierResponse& answer) {
   LOGE("kesext_hook_sprint_rde_write: FUNCTION enter.");
-  const uint32_t rde_index = request.payloadWord(0);
-  const uint32_t result =
-      kes_qmi_sprint_rde_write(static_cast<int32_t>(rde_index), static_cast<int32_t>(request.payloadWord(1)),
-                               static_cast<int32_t>(request.payloadWord(2)), request.payloadWord(3),
-                               request.payload() + kElementWordsSize);
+  const ElementPayload element = elementPayload(request);
+  const uint32_t result = kes_qmi_sprint_rde_write(
+      static_cast<int32_t>(element.rde_index), static_cast<int32_t>(element.record_num),
+      static_cast<int32_t>(element.offset), element.length, elementData(request));
   if (result == kRdeSuccess)
-    LOGE("RDE Write success for element %u", rde_index);
+    LOGE("RDE Write success for element %u", element.rde_index);
   else
     LOGE("RDE write error");
-  answer.putResult(result == kRdeSuccess);
+  answer.setStatus(result == kRdeSuccess);
 }
 
-void kesext_hook_sprint_rde_read(const HookRequest& request, uint32_t, CarrierAnswer& answer) {
+void kesext_hook_sprint_rde_read(const HookRequest& request, uint32_t, CarrierResponse& answer) {
   LOGE("kesext_hook_sprint_rde_read: Function Enter.");
-  uint32_t count = 0;
+  ElementPayload element = elementPayload(request);
+  uint8_t data[kElementReadMax] = {};
+  element.length = 0;
   const uint32_t result = kes_qmi_sprint_rde_read(
-      static_cast<int32_t>(request.payloadWord(0)), static_cast<int32_t>(request.payloadWord(1)),
-      static_cast<int32_t>(request.payloadWord(2)), answer.payload + kElementWordsSize, kElementReadMax,
-      &count);
+      static_cast<int32_t>(element.rde_index), static_cast<int32_t>(element.record_num),
+      static_cast<int32_t>(element.offset), data, sizeof data, &element.length);
   if (result != kRdeSuccess) {
     LOGE("RDE Read error");
-    answer.putResult(false);
+    answer.setStatus(false);
     return;
   }
-  storeLe32(answer.payload, request.payloadWord(0));
-  storeLe32(answer.payload + 4, request.payloadWord(1));
-  storeLe32(answer.payload + 8, request.payloadWord(2));
-  storeLe32(answer.payload + 12, count);
-  answer.putLength(kElementWordsSize + count + kElementZerosSize);
+  answer.put(element);
+  answer.putBytes(data, element.length);
+  answer.putZeros(kElementZerosSize);
 }
 
-void kesext_hook_sprint_get_ddtm_preference(const HookRequest&, uint32_t, CarrierAnswer& answer) {
+void kesext_hook_sprint_get_ddtm_preference(const HookRequest&, uint32_t, CarrierResponse& answer) {
   uint8_t preference = 0;
   if (kes_qmi_sprint_rde_read(kDdtmElement, 0, 0, &preference, sizeof preference, nullptr) != kRdeSuccess) {
-    answer.putResult(false);
+    answer.setStatus(false);
     return;
   }
   LOGE("kesext_hook_sprint_get_ddtm_preference:   ddtm = %d ", preference);
   answer.put(uint32_t{preference});
 }
 
-void kesext_hook_sprint_set_ddtm_preference(const HookRequest& request, uint32_t, CarrierAnswer& answer) {
+void kesext_hook_sprint_set_ddtm_preference(const HookRequest& request, uint32_t, CarrierResponse& answer) {
   const uint8_t preference = request.payload()[0];
   LOGE("kesext_hook_sprint_set_ddtm_preference:   ddtm = %d ", preference);
   const uint32_t result = kes_qmi_sprint_rde_write(kDdtmElement, 0, 0, sizeof preference, &preference);
   if (result != kRdeSuccess) LOGE("kesext_hook_sprint_set_ddtm_preference: Fail to write.");
-  answer.putResult(result == kRdeSuccess);
+  answer.setStatus(result == kRdeSuccess);
 }
 
-void handle_get_lte_option(const HookRequest& request, uint32_t, CarrierAnswer& answer) {
+void handle_get_lte_option(const HookRequest& request, uint32_t, CarrierResponse& answer) {
   LOGE("handle_get_lte_option: EVENT VALUE %d ", request.msgId());
+  uint8_t option[kElementReadMax] = {};
   uint32_t count = 0;
-  if (kes_qmi_sprint_rde_read(kLteOptionElement, 0, 0, answer.payload, kElementReadMax, &count) !=
-      kRdeSuccess) {
-    answer.putResult(false);
+  if (kes_qmi_sprint_rde_read(kLteOptionElement, 0, 0, option, sizeof option, &count) != kRdeSuccess) {
+    answer.setStatus(false);
     return;
   }
-  answer.putLength(count);
+  answer.putBytes(option, count);
 }
 
-void handle_set_lte_option(const HookRequest& request, uint32_t, CarrierAnswer& answer) {
+void handle_set_lte_option(const HookRequest& request, uint32_t, CarrierResponse& answer) {
   const auto length = static_cast<uint32_t>(request.msgLen());
-  answer.putResult(kes_qmi_sprint_rde_write(kLteOptionElement, 0, 0, length, request.payload()) ==
+  answer.setStatus(kes_qmi_sprint_rde_write(kLteOptionElement, 0, 0, length, request.payload()) ==
                    kRdeSuccess);
 }
 
-void kesext_hook_sprint_get_BC10_BC14_status(const HookRequest&, uint32_t band_index, CarrierAnswer& answer) {
+void kesext_hook_sprint_get_BC10_BC14_status(const HookRequest&, uint32_t band_index,
+                                             CarrierResponse& answer) {
   const uint32_t status = kes_qmi_sprint_read_band(band_index);
   LOGE("kesext_hook_sprint_get_BC10_BC14_status:  status = %d ", status);
   answer.put(status);
 }
 
 void kesext_hook_sprint_set_BC10_BC14_status(const HookRequest& request, uint32_t band_index,
-                                             CarrierAnswer& answer) {
+                                             CarrierResponse& answer) {
   const uint32_t status = request.payloadWord(0);
   LOGE("kesext_hook_sprint_set_BC10_BC14_status:  status = %d ", status);
-  answer.putResult(kes_qmi_sprint_write_band(band_index, status));
+  answer.setStatus(kes_qmi_sprint_write_band(band_index, status));
 }
 
 void kesext_hook_sprint_set_roaming_list_segment(const HookRequest& request, uint32_t,
-                                                 CarrierAnswer& answer) {
+                                                 CarrierResponse& answer) {
   const uint32_t size = request.payloadWord(0);
   LOGE("kesext_hook_sprint_set_roaming_list_segment:  p_prl->size (%d)", size);
-  answer.putResult(kes_qmi_sprint_set_roaming_list_segment(size, request.payload() + sizeof size));
+  answer.setStatus(kes_qmi_sprint_set_roaming_list_segment(size, request.payload() + sizeof size));
 }
 static_assert(kOemHookPayloadOffset + sizeof(RoamingListRequest) <= kRequestBufferSize);
 
-void kesext_hook_sprint_set_Active_profile(const HookRequest& request, uint32_t, CarrierAnswer& answer) {
+void kesext_hook_sprint_set_Active_profile(const HookRequest& request, uint32_t, CarrierResponse& answer) {
   const uint32_t profile = request.payloadWord(0);
   LOGE("kesext_hook_sprint_set_Active_profile:   profile = %d ", profile);
-  answer.putResult(kes_qmi_sprint_switch_proflie(profile));
+  answer.setStatus(kes_qmi_sprint_switch_proflie(profile));
 }
 
-void factory_reset(const HookRequest& request, uint32_t, CarrierAnswer& answer) {
+void factory_reset(const HookRequest& request, uint32_t, CarrierResponse& answer) {
   const uint8_t reset_flag = request.msgLen() == 1 ? request.payload()[0] : kResetFlagDefault;
   LOGE("factory_reset: EVENT VALUE %d, msg_len (%d), reset_flag (%d) ", request.msgId(), request.msgLen(),
        reset_flag);
   const bool done = kes_qmi_sprint_fatory_reset(reset_flag);
   LOGE("Received factory reset result - %d", done);
-  answer.putResult(done);
+  answer.setStatus(done);
 }
 
-void handle_get_bsr_timer(const HookRequest&, uint32_t, CarrierAnswer& answer) {
+void handle_get_bsr_timer(const HookRequest&, uint32_t, CarrierResponse& answer) {
   const uint32_t timer = kes_qmi_sprint_get_bsr_timer();
   LOGE("Get BSR timer result - %d", timer);
   answer.put(timer);
 }
 
-void handle_set_bsr_timer(const HookRequest& request, uint32_t, CarrierAnswer& answer) {
+void handle_set_bsr_timer(const HookRequest& request, uint32_t, CarrierResponse& answer) {
   LOGE("handle_set_bsr_timer: EVENT VALUE %d ", request.msgId());
   const bool done = kes_qmi_sprint_set_bsr_timer(request.payloadWord(0));
   LOGE("Set BSR timer result - %d", done);
-  answer.putResult(done);
+  answer.setStatus(done);
 }
 
 void convert_active_ehrpd_apn_from_qmi_to_ril(const EhrpdApnResponse* response, ActiveEhrpdApnList* list) {
@@ -169,7 +164,7 @@ void convert_active_ehrpd_apn_from_qmi_to_ril(const EhrpdApnResponse* response, 
   }
 }
 
-void handle_get_active_ehrpd_apn(const HookRequest&, uint32_t, CarrierAnswer& answer) {
+void handle_get_active_ehrpd_apn(const HookRequest&, uint32_t, CarrierResponse& answer) {
   EhrpdApnResponse response;
   kes_qmi_sprint_get_active_ehrpd_apn(&response);
   ActiveEhrpdApnList list;
@@ -177,7 +172,7 @@ void handle_get_active_ehrpd_apn(const HookRequest&, uint32_t, CarrierAnswer& an
   answer.put(list);
 }
 
-void handle_get_tot_order(const HookRequest&, uint32_t, CarrierAnswer& answer) {
+void handle_get_tot_order(const HookRequest&, uint32_t, CarrierResponse& answer) {
   const TotOrderReadResponse response = kes_qmi_sprint_get_tot_order();
   TotOrder order{};
   order.count = std::min(response.count, kTotOrderEntriesMax);
@@ -185,7 +180,7 @@ void handle_get_tot_order(const HookRequest&, uint32_t, CarrierAnswer& answer) {
   answer.put(order);
 }
 
-void handle_update_tot_order(const HookRequest& request, uint32_t, CarrierAnswer& answer) {
+void handle_update_tot_order(const HookRequest& request, uint32_t, CarrierResponse& answer) {
   LOGE("handle_update_tot_order: EVENT VALUE %d ", request.msgId());
   TotOrder order;
   std::memcpy(&order, request.payload(), sizeof order);
@@ -197,10 +192,11 @@ void handle_update_tot_order(const HookRequest& request, uint32_t, CarrierAnswer
     done = kes_qmi_sprint_update_tot_order(update);
   }
   LOGE("Update TOT order result - %d", done);
-  answer.putResult(done);
+  answer.setStatus(done);
 }
 
-void kesext_hook_sprint_handle_obsolete_request(const HookRequest& request, uint32_t, CarrierAnswer& answer) {
+void kesext_hook_sprint_handle_obsolete_request(const HookRequest& request, uint32_t,
+                                                CarrierResponse& answer) {
   LOGE("kesext_hook_sprint_handle_obsolete_request: ENTER FUNCTION %d ", request.msgId());
   answer.status = HOOK_STATUS_NOT_SUPPORTED;
 }

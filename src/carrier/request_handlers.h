@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "carrier/carrier_answer.h"
 #include "carrier/modem_messages.h"
+#include "core/ground/carrier_response.h"
 
 namespace kesext {
 
@@ -41,35 +41,35 @@ static_assert(offsetof(ActiveEhrpdApnList, apns) == 1);
 void convert_active_ehrpd_apn_from_qmi_to_ril(const EhrpdApnResponse* response, ActiveEhrpdApnList* list);
 
 // Any RDE element: four words (index, record, offset, length) and data.
-void kesext_hook_sprint_rde_write(const HookRequest& request, uint32_t argument, CarrierAnswer& answer);
-void kesext_hook_sprint_rde_read(const HookRequest& request, uint32_t argument, CarrierAnswer& answer);
+void kesext_hook_sprint_rde_write(const HookRequest& request, uint32_t argument, CarrierResponse& answer);
+void kesext_hook_sprint_rde_read(const HookRequest& request, uint32_t argument, CarrierResponse& answer);
 
 // RDE elements of their own.
 void kesext_hook_sprint_get_ddtm_preference(const HookRequest& request, uint32_t argument,
-                                            CarrierAnswer& answer);
+                                            CarrierResponse& answer);
 void kesext_hook_sprint_set_ddtm_preference(const HookRequest& request, uint32_t argument,
-                                            CarrierAnswer& answer);
-void handle_get_lte_option(const HookRequest& request, uint32_t argument, CarrierAnswer& answer);
-void handle_set_lte_option(const HookRequest& request, uint32_t argument, CarrierAnswer& answer);
+                                            CarrierResponse& answer);
+void handle_get_lte_option(const HookRequest& request, uint32_t argument, CarrierResponse& answer);
+void handle_set_lte_option(const HookRequest& request, uint32_t argument, CarrierResponse& answer);
 
 // Vendor messages. The argument of the band class requests is the band index.
 void kesext_hook_sprint_get_BC10_BC14_status(const HookRequest& request, uint32_t band_index,
-                                             CarrierAnswer& answer);
+                                             CarrierResponse& answer);
 void kesext_hook_sprint_set_BC10_BC14_status(const HookRequest& request, uint32_t band_index,
-                                             CarrierAnswer& answer);
+                                             CarrierResponse& answer);
 void kesext_hook_sprint_set_roaming_list_segment(const HookRequest& request, uint32_t argument,
-                                                 CarrierAnswer& answer);
+                                                 CarrierResponse& answer);
 void kesext_hook_sprint_set_Active_profile(const HookRequest& request, uint32_t argument,
-                                           CarrierAnswer& answer);
-void factory_reset(const HookRequest& request, uint32_t argument, CarrierAnswer& answer);
-void handle_get_bsr_timer(const HookRequest& request, uint32_t argument, CarrierAnswer& answer);
-void handle_set_bsr_timer(const HookRequest& request, uint32_t argument, CarrierAnswer& answer);
-void handle_get_active_ehrpd_apn(const HookRequest& request, uint32_t argument, CarrierAnswer& answer);
-void handle_get_tot_order(const HookRequest& request, uint32_t argument, CarrierAnswer& answer);
-void handle_update_tot_order(const HookRequest& request, uint32_t argument, CarrierAnswer& answer);
+                                           CarrierResponse& answer);
+void factory_reset(const HookRequest& request, uint32_t argument, CarrierResponse& answer);
+void handle_get_bsr_timer(const HookRequest& request, uint32_t argument, CarrierResponse& answer);
+void handle_set_bsr_timer(const HookRequest& request, uint32_t argument, CarrierResponse& answer);
+void handle_get_active_ehrpd_apn(const HookRequest& request, uint32_t argument, CarrierResponse& answer);
+void handle_get_tot_order(const HookRequest& request, uint32_t argument, CarrierResponse& answer);
+void handle_update_tot_order(const HookRequest& request, uint32_t argument, CarrierResponse& answer);
 
 /// Answers an id that is no longer served.
 void kesext_hook_sprint_handle_obsolete_request(const HookRequest& request, uint32_t argument,
-                                                CarrierAnswer& answer);
+                                                CarrierResponse& answer);
 
 }  // namespace kesext

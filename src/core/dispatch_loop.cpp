@@ -1,6 +1,6 @@
 #include "core/dispatch_loop.h"
 
-#include <sys/select.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -22,17 +22,16 @@ namespace {
 HookRequest received;
 size_t received_length = 0;
 
-/// select() on one descriptor. One that no fd_set can hold fails as one that is not open.
+/// select() on one descriptor, whatever its number, where a descriptor set has room for the first 1024.
 int selectReadable(int descriptor, bool* readable) {
-  if (descriptor < 0 || descriptor >= FD_SETSIZE) {
+  pollfd wait{.fd = descriptor, .events = POLLIN, .revents = 0};
+  // A negative descriptor is no error to poll(), which would wait for nothing.
+  const int result = poll(&wait, 1, descriptor < 0 ? 0 : -1);
+  if (descriptor < 0 || (wait.revents & POLLNVAL) != 0) {
     errno = EBADF;
     return -1;
   }
-  fd_set descriptors;
-  FD_ZERO(&descriptors);
-  FD_SET(descriptor, &descriptors);
-  const int result = select(descriptor + 1, &descriptors, nullptr, nullptr, nullptr);
-  *readable = FD_ISSET(descriptor, &descriptors);
+  *readable = wait.revents != 0;
   return result;
 }
 
@@ -76,7 +75,7 @@ void serveCdmaRequest(uint32_t msg_id) {
   }
   LOGE("0x%x not supported by Sprint handler.", msg_id);
   if (const HookTableRow* row = findCdmaFallback(msg_id)) {
-    row->handler(&received, row->argument, 0);
+    row->handler(received, row->argument, 0);
     return;
   }
   LOGE("0x%x not supported", msg_id);
@@ -90,7 +89,7 @@ void serveGenericRequest(uint32_t msg_id) {
   LOGD("handle generic request, msgID 0x%x. msgLen %d, msgType %d", header.msgId, header.msgLen,
        header.msgType);
   if (const HookTableRow* row = findGenericHook(header.msgId)) {
-    row->handler(&received, row->argument, 0);
+    row->handler(received, row->argument, 0);
     return;
   }
   LOGE("0x%x not supported", header.msgId);

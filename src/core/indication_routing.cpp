@@ -5,6 +5,7 @@
 #include "adam/utility_indication.h"
 #include "carrier/indications.h"
 #include "core/ground/log.h"
+#include "core/ground/table.h"
 #include "core/test_notification.h"
 #include "generic/antenna_tuning.h"
 #include "generic/data_plmn.h"
@@ -28,12 +29,7 @@ constexpr IndicationTableRow unsolIndTable[] = {
     {IND_TUNER, tunerIndHndlr},
 };
 static_assert(std::size(unsolIndTable) == 7);
-
-IndicationHandler findHandler(uint32_t indication_id) {
-  for (const IndicationTableRow& row : unsolIndTable)
-    if (row.indication_id == indication_id) return row.handler;
-  return nullptr;
-}
+static_assert(keysAreUnique(unsolIndTable, &IndicationTableRow::indication_id));
 
 }  // namespace
 
@@ -45,12 +41,12 @@ void handleUnsolIndication(qmi_client_type client, uint32_t indication_id, const
     return;
   }
   LOGE("Unsol resp 0x%x not supported by Sprint handler.", indication_id);
-  const IndicationHandler handler = findHandler(indication_id);
-  if (handler == nullptr) {
+  const auto* row = findRow(unsolIndTable, &IndicationTableRow::indication_id, indication_id);
+  if (row == nullptr) {
     LOGE("Unsupported Indicator message %u", indication_id);
     return;
   }
-  handler(client, indication_id, buffer, buffer_length, callback_data);
+  row->handler(client, indication_id, buffer, buffer_length, callback_data);
 }
 
 }  // namespace kesext

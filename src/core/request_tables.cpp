@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <iterator>
+#include <utility>
 
 #include "core/ground/hook_ids.h"
+#include "core/ground/table.h"
 #include "generic/antenna_tuning.h"
 #include "generic/data_plmn.h"
 #include "generic/pfp.h"
@@ -47,31 +49,32 @@ constexpr HookTableRow genericHookTable[] = {
     {HOOK_ANTENNA_TUNING, 0, kesext_hook_set_antenna_tuning},
 };
 
-template <size_t N>
-constexpr bool idsAreUnique(const HookTableRow (&table)[N]) {
-  for (size_t i = 0; i < N; ++i)
-    for (size_t j = i + 1; j < N; ++j)
-      if (table[i].msgId == table[j].msgId) return false;
-  return true;
-}
-static_assert(std::size(cdmaHookFallbackTable) == 15 && idsAreUnique(cdmaHookFallbackTable));
-static_assert(std::size(genericHookTable) == 7 && idsAreUnique(genericHookTable));
+static_assert(std::size(cdmaHookFallbackTable) == 15);
+static_assert(keysAreUnique(cdmaHookFallbackTable, &HookTableRow::msgId));
+static_assert(std::size(genericHookTable) == 7);
+static_assert(keysAreUnique(genericHookTable, &HookTableRow::msgId));
 
-template <size_t N>
-const HookTableRow* find(const HookTableRow (&table)[N], uint32_t msg_id) {
-  for (const HookTableRow& row : table)
-    if (row.msgId == msg_id) return row.handler != nullptr ? &row : nullptr;
-  return nullptr;
+template <HookHandler>
+constexpr bool kIsFixedRead = false;
+template <>
+constexpr bool kIsFixedRead<handleNvReadRequest> = true;
+
+template <size_t... Row>
+constexpr bool fixedReadsAreAnswered(std::index_sequence<Row...>) {
+  return ((!kIsFixedRead<cdmaHookFallbackTable[Row].handler> ||
+           hasRow(nvResponseHandlerTable, &NvResponseRow::msgId, cdmaHookFallbackTable[Row].msgId)) &&
+          ...);
 }
+static_assert(fixedReadsAreAnswered(std::make_index_sequence<std::size(cdmaHookFallbackTable)>{}));
 
 }  // namespace
 
 const HookTableRow* findCdmaFallback(uint32_t msg_id) {
-  return find(cdmaHookFallbackTable, msg_id);
+  return findRow(cdmaHookFallbackTable, &HookTableRow::msgId, msg_id);
 }
 
 const HookTableRow* findGenericHook(uint32_t msg_id) {
-  return find(genericHookTable, msg_id);
+  return findRow(genericHookTable, &HookTableRow::msgId, msg_id);
 }
 
 }  // namespace kesext

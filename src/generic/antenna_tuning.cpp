@@ -6,10 +6,9 @@
 
 #include "core/ground/byte_access.h"
 #include "core/ground/hex_text.h"
-#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
-#include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
+#include "qmi/indication.h"
 #include "qmi/send.h"
 
 namespace kesext {
@@ -40,37 +39,34 @@ constexpr VendorMessage<TunerRecord, TunerRecord> kTuner{0x0110};
 /// The first two data bytes of the events that are forwarded, little-endian.
 constexpr uint16_t kForwardedKind = 0x0181;
 
-constexpr uint8_t kTunerUnsolMsgType = 0;
-
 }  // namespace
 
-int kesext_hook_set_antenna_tuning(const HookRequest* request, uint32_t, uint32_t) {
-  const uint32_t msg_len = request->genericMsgLen();
+int kesext_hook_set_antenna_tuning(const HookRequest& request, uint32_t, uint32_t) {
+  const uint32_t msg_len = request.genericMsgLen();
   LOGE("receive request len  %d", msg_len);
   TunerRecord command{};
   command.length = std::min(msg_len, kTunerCommandMax);
-  std::memcpy(command.data, request->genericPayload(), command.length);
+  std::memcpy(command.data, request.genericPayload(), command.length);
   TunerRecord response;
   const int32_t sent = sendVendor(kTuner, command, response);
   if (sent != 0) {
     LOGE("Sending QMI_TUNER_REQ_V01 failed! with error %d", sent);
     LOGE("kesext_hook_set_antenna_tuning sending response, msgLen 0x%x.", 1);
-    sendGenericStatus(*request, HOOK_STATUS_FAILURE);
+    sendGenericStatus(request, HOOK_STATUS_FAILURE);
     return sent;
   }
   LOGE("Dumping modem response for QMI_TUNER_REQ_V01...");
   hexDump(reinterpret_cast<const uint8_t*>(&response), sizeof response);
   const uint32_t length = std::min(response.length, kTunerDataMax);
   LOGE("kesext_hook_set_antenna_tuning sending response, msgLen 0x%x.", length);
-  sendGenericReply(*request, response.data, length);
+  sendGenericReply(request, response.data, length);
   return sent;
 }
 
 int tunerIndHndlr(qmi_client_type client, uint32_t indication_id, const uint8_t* buffer,
                   uint32_t buffer_length, void*) {
-  TunerIndication event{};
-  const int result = qmi_client_message_decode(client, QMI_IDL_INDICATION, indication_id, buffer,
-                                               buffer_length, &event, sizeof event);
+  TunerIndication event;
+  const int result = decodeIndication(client, indication_id, buffer, buffer_length, event);
   if (result != 0) {
     LOGE("tunerIndHndlr: failed to decode 0x%02x ind data for %d", indication_id, result);
     for (uint32_t i = 0; i < buffer_length; ++i)
@@ -80,13 +76,7 @@ int tunerIndHndlr(qmi_client_type client, uint32_t indication_id, const uint8_t*
   LOGE("tunerIndHndlr: tuner indication is: %d %d", event.data[0], event.data[1]);
   if (loadLe16(event.data) != kForwardedKind) return 0;
   const uint32_t length = std::min(event.length, kTunerIndicationDataMax);
-  const MessageBuffer message = buildGenericUnsol(kTunerUnsolMsgType, UNSOL_TUNER_EVENT, length);
-  if (!message) {
-    LOGE("tunerIndHndlr: out of memory!");
-    return 0;
-  }
-  std::memcpy(message.data() + kUnsolGenericPayloadOffset, event.data, length);
-  writeUnsolToParent(message.data(), message.size());
+  if (!sendGenericUnsol(UNSOL_TUNER_EVENT, event.data, length)) LOGE("tunerIndHndlr: out of memory!");
   return 0;
 }
 

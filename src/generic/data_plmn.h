@@ -9,7 +9,7 @@
 namespace kesext {
 
 /// Answers with the modem's bare record of 568 bytes, without a header; zeros after a failed send.
-int handleDataPlmnRequest(const HookRequest* request, uint32_t argument, uint32_t reserved);
+int handleDataPlmnRequest(const HookRequest& request, uint32_t argument, uint32_t reserved);
 
 /// Sends an unsolicited message without payload.
 int dataPlmnIndHndlr(qmi_client_type client, uint32_t indication_id, const uint8_t* buffer,

@@ -1,12 +1,10 @@
 #include "generic/pfp.h"
 
 #include <cstddef>
-#include <cstring>
 
-#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
-#include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
+#include "qmi/indication.h"
 #include "qmi/send.h"
 
 namespace kesext {
@@ -39,27 +37,23 @@ constexpr VendorMessage<PfpRequest, PfpResponse> kPfp{0x000A};
 
 }  // namespace
 
-int handleMyPfpRequest(const HookRequest* request, uint32_t, uint32_t) {
+int handleMyPfpRequest(const HookRequest& request, uint32_t, uint32_t) {
   LOGE("MyPfp: Sending request ");
   PfpResponse response;
   const int32_t sent = sendVendor(kPfp, PfpRequest{0}, response);
   LOGE("MyPfp: returned rc=%d result =%d", sent, response.result);
-  sendStatusResponse(request, sent == 0 ? HOOK_STATUS_SUCCESS : HOOK_STATUS_FAILURE);
+  sendStatusResponse(&request, sent == 0 ? HOOK_STATUS_SUCCESS : HOOK_STATUS_FAILURE);
   return 0;
 }
 
 int myPfpIndHndlr(qmi_client_type client, uint32_t indication_id, const uint8_t* buffer,
                   uint32_t buffer_length, void*) {
-  const MessageBuffer message = buildCdmaUnsol(UNSOL_PFP, sizeof(mypfp_ind_msg_v01));
-  if (!message) return 0;
-  mypfp_ind_msg_v01 indication{};
-  if (qmi_client_message_decode(client, QMI_IDL_INDICATION, indication_id, buffer, buffer_length, &indication,
-                                sizeof indication) != 0) {
+  mypfp_ind_msg_v01 indication;
+  if (decodeIndication(client, indication_id, buffer, buffer_length, indication) != 0) {
     LOGE("failed to decode pfp idl data");
     return 0;
   }
-  std::memcpy(message.data() + kUnsolCdmaPayloadOffset, &indication, sizeof indication);
-  writeUnsolToParent(message.data(), message.size());
+  if (!sendCdmaUnsol(UNSOL_PFP, &indication, sizeof indication)) return 0;
   LOGE("mypfp_ind_msg_v01: rat = %d , tbl_idx = %d data_size = %d ", indication.rat, indication.tbl_idx,
        static_cast<int>(sizeof indication));
   return 0;

@@ -9,7 +9,7 @@
 namespace kesext {
 
 /// Triggers PFP in the modem and answers with a status.
-int handleMyPfpRequest(const HookRequest* request, uint32_t argument, uint32_t reserved);
+int handleMyPfpRequest(const HookRequest& request, uint32_t argument, uint32_t reserved);
 
 /// Forwards the PFP record to the parent.
 int myPfpIndHndlr(qmi_client_type client, uint32_t indication_id, const uint8_t* buffer,

@@ -84,10 +84,10 @@ size_t shortNameOf(int32_t sent, const PlmnNameResponse& response, char (&name)[
 
 }  // namespace
 
-int handlePlmnNameRequest(const HookRequest* request, uint32_t, uint32_t) {
-  const uint16_t mcc = loadLe16(request->genericPayload());
-  const uint16_t mnc = loadLe16(request->genericPayload() + 2);
-  LOGE("Received request len = %d, mcc = %d, mnc = %d", request->genericMsgLen(), mcc, mnc);
+int handlePlmnNameRequest(const HookRequest& request, uint32_t, uint32_t) {
+  const uint16_t mcc = loadLe16(request.genericPayload());
+  const uint16_t mnc = loadLe16(request.genericPayload() + 2);
+  LOGE("Received request len = %d, mcc = %d, mnc = %d", request.genericMsgLen(), mcc, mnc);
   const PlmnNameRequest query{.mcc = mcc, .mnc = mnc, .flag_4 = 1, .flag_5 = 1, .flag_10 = 1, .flag_11 = 1};
   PlmnNameResponse response;
   const int32_t sent = sendNas(kPlmnName, query, response);
@@ -97,9 +97,9 @@ int handlePlmnNameRequest(const HookRequest* request, uint32_t, uint32_t) {
   const size_t length = shortNameOf(sent, response, name);
   LOGE("Sending OnRequest Complete");
   if (length == 0)
-    sendGenericStatus(*request, HOOK_STATUS_FAILURE);
+    sendGenericStatus(request, HOOK_STATUS_FAILURE);
   else
-    sendGenericReply(*request, reinterpret_cast<const uint8_t*>(name), static_cast<uint32_t>(length));
+    sendGenericReply(request, reinterpret_cast<const uint8_t*>(name), static_cast<uint32_t>(length));
   return 0;
 }
 

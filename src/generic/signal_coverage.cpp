@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <cstring>
 
-#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
-#include "core/ground/message_buffer.h"
 #include "core/ground/parent_pipes.h"
 #include "generic/utility_messages.h"
+#include "qmi/indication.h"
 
 namespace kesext {
 
@@ -21,8 +20,6 @@ struct SigCovIndication {
   uint8_t record[32];
 };
 static_assert(sizeof(SigCovIndication) == 32);
-
-constexpr uint8_t kSigCovUnsolMsgType = 1;
 
 }  // namespace
 
@@ -46,30 +43,23 @@ int kesext_handle_sig_cov_request(uint8_t selector, const HookRequest& request) 
   return sent;
 }
 
-int handleSigCovRequest(const HookRequest* request, uint32_t, uint32_t) {
-  return kesext_handle_sig_cov_request(0, *request);
+int handleSigCovRequest(const HookRequest& request, uint32_t, uint32_t) {
+  return kesext_handle_sig_cov_request(0, request);
 }
 
-int handleSigCovSelectorRequest(const HookRequest* request, uint32_t, uint32_t) {
-  return kesext_handle_sig_cov_request(request->genericPayload()[0], *request);
+int handleSigCovSelectorRequest(const HookRequest& request, uint32_t, uint32_t) {
+  return kesext_handle_sig_cov_request(request.genericPayload()[0], request);
 }
 
 int sigcovIndHndlr(qmi_client_type client, uint32_t indication_id, const uint8_t* buffer,
                    uint32_t buffer_length, void*) {
-  SigCovIndication indication{};
-  if (qmi_client_message_decode(client, QMI_IDL_INDICATION, indication_id, buffer, buffer_length, &indication,
-                                sizeof indication) != 0) {
+  SigCovIndication indication;
+  if (decodeIndication(client, indication_id, buffer, buffer_length, indication) != 0) {
     LOGE("sigcovIndHndlr: failed to decode ind data");
     return 0;
   }
-  const MessageBuffer message =
-      buildGenericUnsol(kSigCovUnsolMsgType, UNSOL_SIGNAL_COVERAGE, sizeof indication);
-  if (!message) {
+  if (!sendGenericUnsol(UNSOL_SIGNAL_COVERAGE, &indication, sizeof indication))
     LOGE("sigcovIndHndlr: out of memory!");
-    return 0;
-  }
-  std::memcpy(message.data() + kUnsolGenericPayloadOffset, &indication, sizeof indication);
-  writeUnsolToParent(message.data(), message.size());
   return 0;
 }
 

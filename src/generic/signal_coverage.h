@@ -13,8 +13,8 @@ namespace kesext {
 int kesext_handle_sig_cov_request(uint8_t selector, const HookRequest& request);
 
 /// The request with selector 0, and the one whose selector is its first payload byte.
-int handleSigCovRequest(const HookRequest* request, uint32_t argument, uint32_t reserved);
-int handleSigCovSelectorRequest(const HookRequest* request, uint32_t argument, uint32_t reserved);
+int handleSigCovRequest(const HookRequest& request, uint32_t argument, uint32_t reserved);
+int handleSigCovSelectorRequest(const HookRequest& request, uint32_t argument, uint32_t reserved);
 
 /// Forwards a coverage report to the parent.
 int sigcovIndHndlr(qmi_client_type client, uint32_t indication_id, const uint8_t* buffer,

@@ -15,7 +15,7 @@ int32_t idAsLogged(const HookRequest& request) {
 
 }  // namespace
 
-int handleSilentRebootRequest(const HookRequest* request, uint32_t, uint32_t) {
+int handleSilentRebootRequest(const HookRequest& request, uint32_t, uint32_t) {
   LOGE("Silent reboot: Sending kesext util request");
   utils_resp_msg_v01 response;
   const int32_t sent = sendUtility({.type = kUtilitySilentReboot}, response);
@@ -25,19 +25,18 @@ int handleSilentRebootRequest(const HookRequest* request, uint32_t, uint32_t) {
     response.len = 1;
     response.data[0] = HOOK_STATUS_FAILURE;
   }
-  handleSilentRebootResponse(request, &response);
+  handleSilentRebootResponse(request, response);
   return 0;
 }
 
-void handleSilentRebootResponse(const HookRequest* request, const utils_resp_msg_v01* response) {
+void handleSilentRebootResponse(const HookRequest& request, const utils_resp_msg_v01& response) {
   LOGE("handleSilentRebootResponse >>");
-  if (request == nullptr || response == nullptr) return;
-  LOGE("handleSilentRebootResponse for id %x, resp len %d.", idAsLogged(*request), response->len);
-  LOGE("handleSilentRebootResponse resp size %d.", static_cast<int>(response->len + kGenericHookHeaderSize));
+  LOGE("handleSilentRebootResponse for id %x, resp len %d.", idAsLogged(request), response.len);
+  LOGE("handleSilentRebootResponse resp size %d.", static_cast<int>(response.len + kGenericHookHeaderSize));
   // Without data the reply ends in its length, whose last byte is zero.
-  const uint8_t last = response->len > 0 ? response->data[response->len - 1] : uint8_t{0};
-  LOGE("handleSilentRebootResponse , msgLen 0x%x, resp value %d.", response->len, last);
-  sendGenericReply(*request, response->data, response->len);
+  const uint8_t last = response.len > 0 ? response.data[response.len - 1] : uint8_t{0};
+  LOGE("handleSilentRebootResponse , msgLen 0x%x, resp value %d.", response.len, last);
+  sendGenericReply(request, response.data, response.len);
 }
 
 }  // namespace kesext

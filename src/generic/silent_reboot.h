@@ -9,9 +9,9 @@
 namespace kesext {
 
 /// Asks the modem to reboot and answers with its response's data, or with a failure byte.
-int handleSilentRebootRequest(const HookRequest* request, uint32_t argument, uint32_t reserved);
+int handleSilentRebootRequest(const HookRequest& request, uint32_t argument, uint32_t reserved);
 
-/// Answers with the response's data; a null pointer is not answered.
-void handleSilentRebootResponse(const HookRequest* request, const utils_resp_msg_v01* response);
+/// Answers with the response's data.
+void handleSilentRebootResponse(const HookRequest& request, const utils_resp_msg_v01& response);
 
 }  // namespace kesext

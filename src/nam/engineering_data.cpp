@@ -151,7 +151,7 @@ void log(const EvdoStatusReport& report) {
 
 /// Answers a screen's request, `name` in the log, with the report of the record that the modem has of `type`.
 template <typename Record>
-void answerScreen(const char* name, EngineeringInfoType type, CarrierAnswer& answer) {
+void answerScreen(const char* name, EngineeringInfoType type, CarrierResponse& answer) {
   LOGE("%s:  ENTER FUNCTION  %d ", name, 0);
   EngineeringText text{};
   kes_qmi_sprint_get_engineering_info(type, text.characters, &text.length);
@@ -206,11 +206,11 @@ void kesext_hook_sprint_hexstr_to_bin(const uint8_t* text, uint32_t length, uint
   }
 }
 
-void kesext_hook_sprint_get_call_processing_data(const HookRequest&, uint32_t, CarrierAnswer& answer) {
+void kesext_hook_sprint_get_call_processing_data(const HookRequest&, uint32_t, CarrierResponse& answer) {
   answerScreen<CpStatusRecord>("kesext_hook_sprint_get_call_processing_data", kCallProcessingInfo, answer);
 }
 
-void kesext_hook_sprint_get_evdo_data(const HookRequest&, uint32_t, CarrierAnswer& answer) {
+void kesext_hook_sprint_get_evdo_data(const HookRequest&, uint32_t, CarrierResponse& answer) {
   answerScreen<EvdoStatusRecord>("kesext_hook_sprint_get_evdo_data", kEvdoInfo, answer);
 }
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "carrier/carrier_answer.h"
+#include "core/ground/carrier_response.h"
 
 namespace kesext {
 
@@ -24,7 +24,7 @@ void kesext_hook_sprint_hexstr_to_bin(const uint8_t* text, uint32_t length, uint
 
 /// Answer with the call-processing and EVDO reports; with zeros when the modem delivers nothing.
 void kesext_hook_sprint_get_call_processing_data(const HookRequest& request, uint32_t argument,
-                                                 CarrierAnswer& answer);
-void kesext_hook_sprint_get_evdo_data(const HookRequest& request, uint32_t argument, CarrierAnswer& answer);
+                                                 CarrierResponse& answer);
+void kesext_hook_sprint_get_evdo_data(const HookRequest& request, uint32_t argument, CarrierResponse& answer);
 
 }  // namespace kesext

@@ -155,14 +155,14 @@ NamInfo report(const NamSubscription& subscription) {
 
 }  // namespace
 
-void kesext_hook_sprint_get_nam_info(const HookRequest&, uint32_t, CarrierAnswer& answer) {
+void kesext_hook_sprint_get_nam_info(const HookRequest&, uint32_t, CarrierResponse& answer) {
   LOGE("kesext_hook_sprint_get_nam_info:  GET NAM INFO  %d ", 0);
   NamSubscription subscription{};
   const NamStepResults results = kesext_hook_sprint_get_nam_block_request_info(&subscription);
   const size_t failure = results.firstFailure();
   if (failure != kNamSteps) {
     LOGE("kesext_hook_sprint_get_nam_block_request_info:  ERROR FOUND %d ", static_cast<int>(failure));
-    answer.putResult(false);
+    answer.setStatus(false);
     answer.put(NamInfo{});
     return;
   }

@@ -29,7 +29,7 @@ static_assert(sidNidOffset(kSidNidWords) == kSidNidItemLength);
 
 }  // namespace
 
-void kesext_hook_sprint_get_sid_nid_pairs(const HookRequest&, uint32_t, CarrierAnswer& answer) {
+void kesext_hook_sprint_get_sid_nid_pairs(const HookRequest&, uint32_t, CarrierResponse& answer) {
   LOGE("kesext_hook_sprint_get_sid_nid_pairs:  GET SID/NID PAIRS  %d ", 0);
   NamItemBuffer buffer;
   SidNidReport report{};
@@ -37,20 +37,20 @@ void kesext_hook_sprint_get_sid_nid_pairs(const HookRequest&, uint32_t, CarrierA
   if (status == 0)
     for (size_t i = 0; i < kSidNidWords; ++i)
       report.words[i] = loadLe16(buffer.bytes + sidNidOffset(i));
-  answer.putResult(status == 0);
+  answer.setStatus(status == 0);
   answer.put(report);
 }
 
-void kesext_hook_sprint_set_sid_nid_pairs(const HookRequest& request, uint32_t, CarrierAnswer& answer) {
+void kesext_hook_sprint_set_sid_nid_pairs(const HookRequest& request, uint32_t, CarrierResponse& answer) {
   LOGE("kesext_hook_sprint_set_sid_nid_pairs:  SET SID/NID PAIRS  %d ", 0);
   NamItemBuffer buffer{};
   buffer.bytes[0] = kNam;
   for (size_t i = 0; i < kSidNidWords; ++i)
     storeLe16(buffer.bytes + sidNidOffset(i), static_cast<uint16_t>(request.payloadWord(i)));
-  answer.putResult(kesext_hook_sprint_set_nam_item(kSidNidItem, kSidNidItemLength, buffer) == 0);
+  answer.setStatus(kesext_hook_sprint_set_nam_item(kSidNidItem, kSidNidItemLength, buffer) == 0);
 }
 
-void kesext_hook_sprint_get_mob_p_pre(const HookRequest&, uint32_t, CarrierAnswer& answer) {
+void kesext_hook_sprint_get_mob_p_pre(const HookRequest&, uint32_t, CarrierResponse& answer) {
   LOGE("%s", "Enter kesext_hook_sprint_get_mob_p_pre() \n");
   NamItemBuffer buffer;
   ProtocolRevisionReport report{};
@@ -59,7 +59,7 @@ void kesext_hook_sprint_get_mob_p_pre(const HookRequest&, uint32_t, CarrierAnswe
     report.revision = buffer.bytes[0];
     LOGE("get mob_cai_rev %lu ", static_cast<unsigned long>(report.revision));
   }
-  answer.putResult(status == 0);
+  answer.setStatus(status == 0);
   answer.put(report);
 }
 

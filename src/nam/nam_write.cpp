@@ -2,12 +2,12 @@
 
 #include <cstring>
 
-#include "carrier/service_codes.h"
 #include "core/ground/log.h"
 #include "nam/digit_coding.h"
 #include "nam/nam_info.h"
 #include "nam/nam_items.h"
 #include "nam/vocoder_coding.h"
+#include "qmi/send.h"
 
 namespace kesext {
 
@@ -17,6 +17,15 @@ namespace {
 constexpr uint32_t kStepFailed = 4;
 
 static_assert(sizeof(NamInfo::newSpc) == kSpcSize);
+
+struct ChangeSpcRequest {
+  uint8_t current[kSpcSize];
+  uint8_t changed[kSpcSize];
+};
+static_assert(sizeof(ChangeSpcRequest) == 12);
+
+/// Its result is 0 when done.
+constexpr DmsMessage<ChangeSpcRequest, ResultAndError> kChangeSpc{0x0052};
 
 /// What one request writes.
 struct NamProgram {
@@ -108,6 +117,25 @@ uint32_t kesext_hook_sprint_set_mdn_to_nv(const char* mdn, NamItemBuffer* buffer
   return status;
 }
 
+/// Has the modem change the code. False, after a log line, when it does not.
+bool kes_qmi_sprint_write_spc(const uint8_t* current, const uint8_t* changed) {
+  LOGE("kes_qmi_sprint_write_spc entered ");
+  ChangeSpcRequest change;
+  std::memcpy(change.current, current, sizeof change.current);
+  std::memcpy(change.changed, changed, sizeof change.changed);
+  ResultAndError response;
+  const int32_t sent = sendDms(kChangeSpc, change, response);
+  if (sent != 0) {
+    LOGE("kes_qmi_sprint_write_spc: qmi_client_send_msg_sync (%d).", sent);
+    return false;
+  }
+  if (response.result != 0) {
+    LOGE("kes_qmi_sprint_write_spc Error = %d", response.error);
+    return false;
+  }
+  return true;
+}
+
 NamStepResults kesext_hook_sprint_set_nam_block_request_info(const NamProgram& program) {
   LOGE("kesext_hook_sprint_set_nam_block_request_info:  SET NAM BLOCK  %d ", 0);
   NamItemBuffer buffer{};
@@ -128,7 +156,7 @@ NamStepResults kesext_hook_sprint_set_nam_block_request_info(const NamProgram& p
 
 }  // namespace
 
-void kesext_hook_sprint_set_nam_info(const HookRequest& request, uint32_t, CarrierAnswer& answer) {
+void kesext_hook_sprint_set_nam_info(const HookRequest& request, uint32_t, CarrierResponse& answer) {
   LOGE("kesext_hook_sprint_set_nam_info:  SET NAM INFO  %d ", 0);
   NamInfo info;
   std::memcpy(&info, request.payload(), sizeof info);
@@ -137,7 +165,7 @@ void kesext_hook_sprint_set_nam_info(const HookRequest& request, uint32_t, Carri
   const size_t failure = results.firstFailure();
   if (failure != kNamSteps)
     LOGE("kesext_hook_sprint_set_nam_block_request_info:  ERROR FOUND %d ", static_cast<int>(failure));
-  answer.putResult(failure == kNamSteps);
+  answer.setStatus(failure == kNamSteps);
 }
 
 }  // namespace kesext

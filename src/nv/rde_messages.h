@@ -20,6 +20,8 @@ struct RdeReadRequest {
   uint8_t data[kRdeDataMax];
 };
 static_assert(sizeof(RdeReadRequest) == 532);
+static_assert(offsetof(RdeReadRequest, record_num) == 4);
+static_assert(offsetof(RdeReadRequest, offset) == 8);
 static_assert(offsetof(RdeReadRequest, length) == 12);
 static_assert(offsetof(RdeReadRequest, data) == 20);
 
@@ -34,8 +36,12 @@ struct RdeReadResponse {
   uint8_t data[kRdeDataMax];
 };
 static_assert(sizeof(RdeReadResponse) == 540);
+static_assert(offsetof(RdeReadResponse, error) == 4);
 static_assert(offsetof(RdeReadResponse, rde_index) == 8);
+static_assert(offsetof(RdeReadResponse, record_num) == 12);
+static_assert(offsetof(RdeReadResponse, offset) == 16);
 static_assert(offsetof(RdeReadResponse, length) == 20);
+static_assert(offsetof(RdeReadResponse, data_len) == 24);
 static_assert(offsetof(RdeReadResponse, data) == 28);
 
 struct RdeWriteRequest {
@@ -47,19 +53,18 @@ struct RdeWriteRequest {
   uint8_t data[kRdeDataMax];
 };
 static_assert(sizeof(RdeWriteRequest) == 532);
+static_assert(offsetof(RdeWriteRequest, record_num) == 4);
+static_assert(offsetof(RdeWriteRequest, offset) == 8);
+static_assert(offsetof(RdeWriteRequest, length) == 12);
 static_assert(offsetof(RdeWriteRequest, data_len) == 16);
 static_assert(offsetof(RdeWriteRequest, data) == 20);
 
-struct RdeWriteResponse {
-  uint32_t result;  // 0: success
-  uint32_t error;
-};
-static_assert(sizeof(RdeWriteResponse) == 8);
+using RdeWriteResponse = ResultAndError;  // result 0: success
 
 inline constexpr VendorMessage<RdeReadRequest, RdeReadResponse> kRdeRead{0x0008};
 inline constexpr VendorMessage<RdeWriteRequest, RdeWriteResponse> kRdeWrite{0x0009};
 
-/// Whether a length from outside, taken as a signed number, is one that fits a message.
+/// Whether so many bytes fit a message; a negative length, taken without its sign, does not.
 constexpr bool fitsRdeData(uint32_t length) {
   return length <= kRdeDataMax;
 }

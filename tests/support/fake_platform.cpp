@@ -1,5 +1,7 @@
 #include "support/fake_platform.h"
 
+#include <pthread.h>
+
 #include <cstdarg>
 #include <cstdio>
 
@@ -13,12 +15,16 @@ std::vector<FakeSend> fake_sends;
 std::function<int32_t(const FakeSend&, uint8_t*)> fake_modem;
 bool fake_out_of_memory = false;
 std::optional<time_t> fake_time;
+std::optional<int> fake_wait_result;
+std::function<void()> fake_unmap;
 
 void resetFakes() {
   fake_log.clear();
   fake_sends.clear();
   fake_out_of_memory = false;
   fake_time.reset();
+  fake_wait_result.reset();
+  fake_unmap = nullptr;
   fake_modem = [](const FakeSend&, uint8_t*) { return 0; };
 }
 
@@ -46,6 +52,20 @@ extern "C" time_t __wrap_time(time_t* stored) {
   const time_t now = kesext_test::fake_time ? *kesext_test::fake_time : __real_time(nullptr);
   if (stored != nullptr) *stored = now;
   return now;
+}
+
+// And these in place of the wait for a service, and of the end of a mapping.
+extern "C" int __real_pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex,
+                                             const timespec* deadline);
+extern "C" int __wrap_pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex,
+                                             const timespec* deadline) {
+  const auto& result = kesext_test::fake_wait_result;
+  return result ? *result : __real_pthread_cond_timedwait(condition, mutex, deadline);
+}
+extern "C" int __real_munmap(void* address, size_t size);
+extern "C" int __wrap_munmap(void* address, size_t size) {
+  if (kesext_test::fake_unmap) kesext_test::fake_unmap();
+  return __real_munmap(address, size);
 }
 
 namespace kesext {

@@ -30,7 +30,13 @@ extern bool fake_out_of_memory;
 /// The present time in seconds; the machine's own without a value.
 extern std::optional<time_t> fake_time;
 
-/// Back to an empty log, no sends, a modem that answers zeros, and the machine's time.
+/// What a timed wait on a condition gives at once; it waits without a value.
+extern std::optional<int> fake_wait_result;
+
+/// Told before each munmap() of the code under test.
+extern std::function<void()> fake_unmap;
+
+/// Back to an empty log, no sends, a modem that answers zeros, and what the machine does itself.
 void resetFakes();
 
 }  // namespace kesext_test

@@ -27,11 +27,11 @@ handset::Bytes UnitTest::Written() const {
   return bytes;
 }
 
-const kesext::HookRequest* UnitTest::Request(handset::ByteView bytes) {
+const kesext::HookRequest& UnitTest::Request(handset::ByteView bytes) {
   static kesext::HookRequest request;
   request.bytes.fill(0);
   std::copy(bytes.begin(), bytes.end(), request.bytes.begin());
-  return &request;
+  return request;
 }
 
 }  // namespace kesext_test

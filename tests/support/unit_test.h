@@ -17,7 +17,7 @@ class UnitTest : public ::testing::Test {
   /// What was written to the parent, in one read; empty when nothing was.
   [[nodiscard]] handset::Bytes Written() const;
   /// A received request of these bytes. There is one; it is good until the next call.
-  static const kesext::HookRequest* Request(handset::ByteView bytes);
+  static const kesext::HookRequest& Request(handset::ByteView bytes);
 
   int pipe_[2] = {-1, -1};
 };

@@ -78,15 +78,17 @@ enum CdmaUnsolId : uint32_t {
   UNSOL_LTE_ERROR = 0x020001B1,
 };
 
-/// Unsolicited messages of generic form, 24 bits.
-enum GenericUnsolId : uint32_t {
-  UNSOL_UTILITY_0 = 0x03000B,
-  UNSOL_SIGNAL_COVERAGE = 0x040003,
-  UNSOL_KPI = 0x040004,
-  UNSOL_UTILITY_2 = 0x04000C,
-  UNSOL_UTILITY_3 = 0x04000E,
-  UNSOL_TUNER_EVENT = 0x04000F,
-  UNSOL_DATA_PLMN = 0x060002,
+/// An unsolicited message of generic form.
+struct GenericUnsolId {
+  uint8_t msgType;
+  uint32_t msgId;  // 24 bits
 };
+inline constexpr GenericUnsolId UNSOL_UTILITY_0{0, 0x03000B};
+inline constexpr GenericUnsolId UNSOL_SIGNAL_COVERAGE{1, 0x040003};
+inline constexpr GenericUnsolId UNSOL_KPI{1, 0x040004};
+inline constexpr GenericUnsolId UNSOL_UTILITY_2{0, 0x04000C};
+inline constexpr GenericUnsolId UNSOL_UTILITY_3{0, 0x04000E};
+inline constexpr GenericUnsolId UNSOL_TUNER_EVENT{0, 0x04000F};
+inline constexpr GenericUnsolId UNSOL_DATA_PLMN{0, 0x060002};
 
 }  // namespace kesext

@@ -20,12 +20,15 @@ enum HookStatus : uint32_t {
 
 enum HookFamily : uint32_t { HOOK_FAMILY_CDMA = 0, HOOK_FAMILY_GENERIC = 1 };
 
+/// Size of a service programming code, in bytes.
+inline constexpr size_t kSpcSize = 6;
+
 /// Header of a CDMA hook request and of every CDMA response record; little-endian.
 struct [[gnu::packed]] OemHookHeader {
   uint32_t msgId;   // 0x020000xx
   int32_t msgLen;   // payload bytes that follow the header
   uint32_t status;  // HookStatus in a response, not read in a request
-  uint8_t spc[6];   // service programming code
+  uint8_t spc[kSpcSize];
 };
 static_assert(sizeof(OemHookHeader) == 18);
 static_assert(offsetof(OemHookHeader, msgLen) == 4);
@@ -46,6 +49,17 @@ struct GenericHookHeader {
 
 /// Size of a generic header on the pipe, and where the payload starts.
 inline constexpr size_t kGenericHookHeaderSize = 8;
+
+/// What stands in front of every unsolicited message: which header follows, and what that counts for.
+struct UnsolMessage {
+  uint32_t hookType;    // HookFamily
+  uint32_t headerSize;  // bytes
+};
+static_assert(sizeof(UnsolMessage) == 8);
+static_assert(offsetof(UnsolMessage, headerSize) == 4);
+
+/// What an unsolicited message counts beside its payload, in bytes.
+inline constexpr uint32_t kUnsolOverhead = sizeof(UnsolMessage) + kOemHookHeaderCount;
 
 /// The id that stands for a request which cannot be used.
 inline constexpr uint32_t kUnusableMsgId = 0xFFFFFFFF;
@@ -77,7 +91,7 @@ struct HookRequest {
 
 /// A handler of one request id: (request, the argument of its table row, 0). It writes its own answer; its
 /// result is not looked at.
-using HookHandler = int (*)(const HookRequest* request, uint32_t argument, uint32_t reserved);
+using HookHandler = int (*)(const HookRequest& request, uint32_t argument, uint32_t reserved);
 
 /// Classifies `length` received bytes: the message id, with the family in `family`, or kUnusableMsgId with
 /// `family` untouched.

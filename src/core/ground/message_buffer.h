@@ -1,4 +1,4 @@
-// A message for one of the pipes while it is being built, and the builders of its shapes.
+// A message for one of the pipes while it is being built.
 #pragma once
 
 #include <cstddef>
@@ -29,26 +29,22 @@ class MessageBuffer {
   size_t size_ = 0;
 };
 
-/// Where the payload of a CDMA unsolicited message starts.
-inline constexpr size_t kUnsolCdmaPayloadOffset = 8 + kOemHookPayloadOffset;
+/// An answer, with its payload still zero. False when there was no memory.
+class HookResponse : public MessageBuffer {
+ public:
+  /// A CDMA record: the header, `header.msgLen` payload bytes, two zero bytes. False also for a negative
+  /// length.
+  static HookResponse cdma(const OemHookHeader& header);
+  /// A generic reply: the request's first four bytes, the length, `payload_length` payload bytes.
+  static HookResponse generic(const HookRequest& request, uint32_t payload_length);
 
-/// A CDMA response record: the header, `header.msgLen` payload bytes still zero at kOemHookPayloadOffset, two
-/// zero bytes. Empty when there was no memory or the length is negative.
-MessageBuffer buildCdmaResponse(const OemHookHeader& header);
+  [[nodiscard]] uint8_t* payload() const { return data() + payload_offset_; }
 
-/// A generic reply: the request's first four bytes, the length, `payload_length` bytes still zero at
-/// kGenericHookHeaderSize. Empty when there was no memory.
-MessageBuffer buildGenericReply(const HookRequest& request, uint32_t payload_length);
+ private:
+  HookResponse(size_t size, size_t payload_offset) : MessageBuffer(size), payload_offset_(payload_offset) {}
+  HookResponse() = default;
 
-/// An unsolicited message of CDMA form with status 0: `payload_length` bytes still zero at
-/// kUnsolCdmaPayloadOffset, two zero bytes. Empty when there was no memory.
-MessageBuffer buildCdmaUnsol(uint32_t msg_id, uint32_t payload_length);
-
-/// Where the payload of a generic unsolicited message starts.
-inline constexpr size_t kUnsolGenericPayloadOffset = 8 + kGenericHookHeaderSize;
-
-/// An unsolicited message of generic form with a 24-bit id: `payload_length` bytes still zero at
-/// kUnsolGenericPayloadOffset, twelve zero bytes. Empty when there was no memory.
-MessageBuffer buildGenericUnsol(uint8_t msg_type, uint32_t msg_id, uint32_t payload_length);
+  size_t payload_offset_ = 0;
+};
 
 }  // namespace kesext

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 
@@ -21,6 +22,27 @@ int writeMessage(int pipe, const uint8_t* message, uint32_t length) {
   return 1;
 }
 
+/// Answers with bytes that stand on the stack, and goes out from there when there is no memory: for want of a
+/// few bytes the parent must not wait for ever.
+template <size_t N>
+void sendLastResort(const std::array<uint8_t, N>& answer) {
+  const MessageBuffer copy(N);
+  if (copy) std::memcpy(copy.data(), answer.data(), N);
+  writeToParent(copy ? copy.data() : answer.data(), N);
+}
+
+/// An unsolicited message of either form: the prefix, the form's header, the payload, zeros.
+template <typename Header>
+bool sendUnsol(const UnsolMessage& prefix, const Header& header, const void* payload, uint32_t length) {
+  const MessageBuffer message(kUnsolOverhead + size_t{length});
+  if (!message) return false;
+  std::memcpy(message.data(), &prefix, sizeof prefix);
+  std::memcpy(message.data() + sizeof prefix, &header, sizeof header);
+  if (length > 0) std::memcpy(message.data() + sizeof prefix + sizeof header, payload, length);
+  writeUnsolToParent(message.data(), message.size());
+  return true;
+}
+
 }  // namespace
 
 int writeToParent(const uint8_t* message, uint32_t length) {
@@ -32,38 +54,48 @@ int writeUnsolToParent(const uint8_t* message, uint32_t length) {
 }
 
 void sendStatusResponse(const HookRequest* request, uint32_t status) {
-  const MessageBuffer record =
-      buildCdmaResponse({.msgId = request != nullptr ? request->msgId() : 0, .status = status});
-  if (!record) {
-    LOGE("sendStatusResponse: out of memory!");
-    return;
-  }
-  writeToParent(record.data(), record.size());
+  std::array<uint8_t, kOemHookHeaderCount> record{};
+  const OemHookHeader header{.msgId = request != nullptr ? request->msgId() : 0, .status = status};
+  std::memcpy(record.data(), &header, sizeof header);
+  sendLastResort(record);
 }
 
 void sendGenericReply(const HookRequest& request, const uint8_t* payload, uint32_t length) {
-  const MessageBuffer reply = buildGenericReply(request, length);
+  const HookResponse reply = HookResponse::generic(request, length);
   if (!reply) {
     LOGE("sendGenericReply: out of memory!");
+    sendGenericStatus(request, HOOK_STATUS_FAILURE);
     return;
   }
-  std::memcpy(reply.data() + kGenericHookHeaderSize, payload, length);
+  std::memcpy(reply.payload(), payload, length);
   writeToParent(reply.data(), reply.size());
 }
 
 void sendGenericStatus(const HookRequest& request, uint8_t status) {
-  sendGenericReply(request, &status, 1);
+  std::array<uint8_t, kGenericHookHeaderSize + 1> reply{};
+  std::memcpy(reply.data(), request.bytes.data(), 4);
+  storeLe32(reply.data() + 4, 1);
+  reply[kGenericHookHeaderSize] = status;
+  sendLastResort(reply);
 }
 
 void sendGenericErrorResponse(const uint8_t* buffer) {
-  const MessageBuffer reply(kGenericHookHeaderSize);
-  if (!reply) {
-    LOGE("sendGenericErrorResponse: out of memory!");
-    return;
-  }
+  std::array<uint8_t, kGenericHookHeaderSize> reply{};
   std::memcpy(reply.data(), buffer, 4);
   storeLe32(reply.data() + 4, 0xFFFFFFFF);
-  writeToParent(reply.data(), reply.size());
+  sendLastResort(reply);
+}
+
+bool sendCdmaUnsol(uint32_t msg_id, const void* payload, uint32_t length) {
+  const OemHookHeader header{.msgId = msg_id, .msgLen = static_cast<int32_t>(length)};
+  return sendUnsol({HOOK_FAMILY_CDMA, kOemHookHeaderCount}, header, payload, length);
+}
+
+bool sendGenericUnsol(const GenericUnsolId& id, const void* payload, uint32_t length) {
+  // The id, least significant byte first, stands in the three bytes behind the type.
+  const uint32_t header[] = {id.msgId << 8 | id.msgType, length};
+  static_assert(sizeof header == kGenericHookHeaderSize);
+  return sendUnsol({HOOK_FAMILY_GENERIC, kGenericHookHeaderSize}, header, payload, length);
 }
 
 }  // namespace kesext
