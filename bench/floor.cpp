@@ -1,7 +1,7 @@
 // The least that serving a request takes: floor REQUESTS RESPONSES LINES ANSWER [MODEM EXCHANGE]. For each
-// request one select, one read, a log line for each of the comma-separated LINES lengths, and one write of
+// request one poll, one read, a log line for each of the comma-separated LINES lengths, and one write of
 // ANSWER bytes; with a modem socket also one round trip of the EXCHANGE bytes of a request frame.
-#include <sys/select.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -56,10 +56,8 @@ int main(int argc, char** argv) {
   static char request[17408];
   static char response[host::kFrameSizeMax];
   while (true) {
-    fd_set readable;
-    FD_ZERO(&readable);
-    FD_SET(requests, &readable);
-    select(requests + 1, &readable, nullptr, nullptr, nullptr);
+    pollfd wait{.fd = requests, .events = POLLIN, .revents = 0};
+    poll(&wait, 1, -1);
     if (read(requests, request, sizeof request) <= 0) return 0;
     for (const std::string& line : lines)
       (void)!write(STDERR_FILENO, line.data(), line.size());
