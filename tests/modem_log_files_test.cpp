@@ -120,13 +120,15 @@ TEST_F(ModemLogFilesTest, ARestartCarriesOnWithTheLog) {
 
 TEST_F(ModemLogFilesTest, WithoutACurrentLogAllIsEmptiedButPackages) {
   Begin();
+  const std::string long_name(255, 'x');
   for (const char* current_link : {"missing", "dangling", "no link"}) {
     SCOPED_TRACE(current_link);
     fs::remove(folder_.path(kCurrentLink));
     if (current_link[0] == 'd') Link(1, "/data/adam/adam_gone.log");
     if (current_link[0] == 'n') folder_.writeFile(kCurrentLink, kOldLog);
-    for (const char* file : {kOldLog, "/data/adam/stray", "/data/adam/.hidden", "/data/adam/~adam0009.log"})
-      folder_.writeFile(file, "before");
+    for (const char* name : {"adam_old.log", "stray", ".hidden", ".new", "~adam0009.log", long_name.c_str()})
+      folder_.writeFile(std::string(kDirectory) + "/" + name, "before");
+    folder_.makeFolder("/data/adam/empty");
     Link(2, kOldLog);
     Send(package_);
     EXPECT_THAT(Listing(), ElementsAre(".0001 -> /data/adam/adam_NOW.log", "adam_NOW.log", "~adam0009.log"));

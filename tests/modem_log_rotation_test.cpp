@@ -1,9 +1,11 @@
 // When a new modem log begins, what it is called, and what goes for it.
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <utime.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <iomanip>
@@ -20,8 +22,10 @@
 namespace kesext_test {
 namespace {
 
+namespace fs = std::filesystem;
 using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
@@ -40,6 +44,13 @@ std::string logAt(time_t time) {
 }
 std::string pathAt(time_t time) {
   return "/data/adam/" + logAt(time);
+}
+/// Index link 1 or 2 as the listing has it.
+std::string link(int index, time_t time) {
+  return ".000" + std::to_string(index) + " -> " + pathAt(time);
+}
+std::string indexLine(int index) {
+  return "E adam_get_index_filename: index name /data/adam/.000" + std::to_string(index);
 }
 
 class ModemLogRotationTest : public ::testing::Test {
@@ -86,9 +97,7 @@ class ModemLogRotationTest : public ::testing::Test {
     return std::find(fake_log.begin(), fake_log.end(),
                      "E adam_create_new_log: create new " + pathAt(now) + ".") != fake_log.end();
   }
-  [[nodiscard]] bool Exists(const std::string& path) const {
-    return std::filesystem::exists(folder_.path(path));
-  }
+  [[nodiscard]] bool Exists(const std::string& path) const { return fs::exists(folder_.path(path)); }
   [[nodiscard]] std::vector<std::string> HandedOff() const {
     std::vector<std::string> texts;
     for (const handset::DropboxEntry& entry : folder_.dropboxEntries())
@@ -112,7 +121,7 @@ TEST_F(ModemLogRotationTest, ThePeriodBeginsWithTheFirstPackageAndAgainWithEachH
 
 TEST_F(ModemLogRotationTest, AnEmptyLogIsNotHandedOffAndDoesNotBeginThePeriod) {
   EXPECT_TRUE(Rotates(kStart)) << "there was none";
-  std::filesystem::resize_file(folder_.path(pathAt(kStart)), 0);
+  fs::resize_file(folder_.path(pathAt(kStart)), 0);
   EXPECT_TRUE(Rotates(kStart + kPeriod));
   EXPECT_THAT(HandedOff(), IsEmpty());
   EXPECT_TRUE(Rotates(kStart + kPeriod + 1));
@@ -120,13 +129,13 @@ TEST_F(ModemLogRotationTest, AnEmptyLogIsNotHandedOffAndDoesNotBeginThePeriod) {
 }
 
 TEST_F(ModemLogRotationTest, EachNewLogPushesTheOthersDown) {
-  const auto link = [](int index, time_t time) {
-    return ".000" + std::to_string(index) + " -> " + pathAt(time);
-  };
   const auto removed = [](time_t time) { return "E adam_create_new_log: remove old " + pathAt(time); };
   Create(kStart);
   EXPECT_THAT(logListing(folder_), ElementsAre(link(1, kStart), logAt(kStart)));
   EXPECT_EQ(handset::logEntries(folder_).back().mode, 0740U);
+  // A directory in a link's place gives way.
+  for (const char* link : {"/data/adam/.0002", "/data/adam/.new"})
+    folder_.makeFolder(link);
   Create(kStart + 1);
   EXPECT_THAT(logListing(folder_),
               ElementsAre(link(1, kStart + 1), link(2, kStart), logAt(kStart), logAt(kStart + 1)));
@@ -138,27 +147,113 @@ TEST_F(ModemLogRotationTest, EachNewLogPushesTheOthersDown) {
   }
 }
 
+TEST_F(ModemLogRotationTest, AtEveryMomentOfARotationBothLinksLeadToALog) {
+  for (const time_t now : {kStart, kStart + 1, kStart + 2})
+    Create(now);
+  fs::create_symlink("/data/adam/left by a killed process", folder_.path("/data/adam/.new"));
+  int calls = 0;
+  fake_file_error = [&](const std::string&) {
+    ++calls;
+    const std::vector<handset::LogEntry> entries = handset::logEntries(folder_);
+    EXPECT_TRUE(entries[0].name == ".0001" && !entries[0].dangling) << "before call " << calls;
+    EXPECT_TRUE(entries[1].name == ".0002" && !entries[1].dangling) << "before call " << calls;
+    EXPECT_TRUE(Exists(pathAt(kStart + 2))) << "before call " << calls;
+    return 0;
+  };
+  Create(kStart + 3);
+  EXPECT_GE(calls, 4);
+  EXPECT_THAT(logListing(folder_),
+              ElementsAre(link(1, kStart + 3), link(2, kStart + 2), logAt(kStart + 2), logAt(kStart + 3)));
+}
+
+TEST_F(ModemLogRotationTest, ALinkThatCannotBeMadeLeavesTheOldOneAndEveryLog) {
+  Create(kStart);
+  Create(kStart + 1);
+  const auto failed_for = [this](int index, time_t now) {
+    fake_file_error = [left = index](const std::string& call) mutable {
+      return call == "symlink" && --left == 0 ? ENOSPC : 0;
+    };
+    fake_log.clear();
+    Create(now);
+    return fake_log;
+  };
+  const auto created = [](time_t now) { return "E adam_create_new_log: create new " + pathAt(now) + "."; };
+  EXPECT_THAT(failed_for(1, kStart + 2), ElementsAre(created(kStart + 2), indexLine(1), indexLine(1)));
+  EXPECT_THAT(logListing(folder_), ElementsAre(link(1, kStart + 1), link(2, kStart), logAt(kStart),
+                                               logAt(kStart + 1), logAt(kStart + 2)));
+  EXPECT_THAT(failed_for(2, kStart + 3),
+              ElementsAre(created(kStart + 3), indexLine(1), indexLine(1), indexLine(2), indexLine(2)));
+  EXPECT_THAT(logListing(folder_), ElementsAre(link(1, kStart + 3), link(2, kStart), logAt(kStart),
+                                               logAt(kStart + 1), logAt(kStart + 2), logAt(kStart + 3)));
+}
+
+TEST_F(ModemLogRotationTest, WithoutTheLogThatALinkWouldLeadToTheLinkIsDeleted) {
+  Create(kStart);
+  fake_time = kStart + 1;
+  fake_file_error = [this](const std::string&) {
+    fs::remove(folder_.path(pathAt(kStart + 1)));
+    return 0;
+  };
+  kesext::LogPath path{};
+  EXPECT_EQ(kesext::adam_create_new_log(path), 0);
+  EXPECT_THAT(logListing(folder_), ElementsAre(link(2, kStart), logAt(kStart)));
+}
+
+TEST_F(ModemLogRotationTest, ADirectoryThatCannotBeReadToItsEndIsNotSaidToBeDone) {
+  int left = 0;
+  fake_file_error = [&](const std::string& call) { return call == "readdir" && --left == 0 ? EIO : 0; };
+  for (const int readable : {0, 2}) {
+    for (const time_t now : {kStart, kStart + 1, kStart + 2})
+      Create(now);
+    left = readable + 1;
+    Create(kStart + 3);
+    EXPECT_EQ(fake_log.back(), "E adam_clean_dir: can't read /data/adam, errno 5");
+    left = readable + 1;
+    kesext::adam_reset_dir();
+    EXPECT_EQ(fake_log.back(), "E adam_reset_dir: can't read /data/adam, errno 5");
+    kesext::adam_reset_dir();
+    EXPECT_EQ(fake_log.back(), "E adam_reset_dir DONE!");
+    EXPECT_THAT(logListing(folder_), IsEmpty());
+  }
+}
+
 TEST_F(ModemLogRotationTest, StraysOfTwoDaysGoWithTheThirdLog) {
   struct Stray {
-    const char* path;
+    std::string name;
     time_t distance;  // in time, from the third log
     bool stays;
+    std::string path = "/data/adam/" + name;
   };
-  const Stray strays[] = {
-      {"/data/adam/ancient", -9'000'000, false}, {"/data/adam/older", -172'800, false},
-      {"/data/adam/younger", -172'799, true},    {"/data/adam/nearer", 172'799, true},
-      {"/data/adam/farther", 172'800, false},    {"/data/adam/~adam0009.log", -172'800, false},
-      {"/data/adam/.hidden", -9'000'000, true}};
+  const Stray strays[] = {{"ancient", -9'000'000, false},
+                          {"older", -172'800, false},
+                          {"younger", -172'799, true},
+                          {"nearer", 172'799, true},
+                          {"farther", 172'800, false},
+                          {"~adam0009.log", -172'800, false},
+                          {".hidden", -9'000'000, true},
+                          {std::string(255, 'x'), -172'800, false},
+                          {std::string(139, 'x'), -172'800, false}};
   const time_t third = kStart + 2;
   for (const Stray& stray : strays)
     Write(stray.path, third + stray.distance);
+  // A link has the time of what it leads to, and without that none.
+  Write("/ancient", 0);
+  fs::create_symlink(folder_.path("/ancient"), folder_.path("/data/adam/to_ancient"));
+  fs::create_symlink("/nowhere", folder_.path("/data/adam/to_nowhere"));
+  folder_.makeFolder("/data/adam/empty");
+  SetTime("/data/adam/empty", 0);
   Write(Create(kStart), kStart);
   Write(Create(kStart + 1), 0);
   for (const Stray& stray : strays)
     EXPECT_TRUE(Exists(stray.path)) << stray.path << " with the second log";
   Create(third);
+  EXPECT_FALSE(Exists("/data/adam/to_ancient"));
+  EXPECT_TRUE(Exists("/ancient"));
+  EXPECT_TRUE(fs::is_symlink(folder_.path("/data/adam/to_nowhere")));
+  EXPECT_FALSE(Exists("/data/adam/empty"));
+  EXPECT_THAT(fake_log, Not(Contains(HasSubstr("can't read"))));
   for (const Stray& stray : strays) {
-    const std::string line = std::string("E adam_clean_dir: unexpected ") + stray.path;
+    const std::string line = "E adam_clean_dir: unexpected " + stray.path;
     EXPECT_EQ(Exists(stray.path), stray.stays) << stray.path;
     EXPECT_THAT(fake_log, Contains(line).Times(stray.stays ? 0 : 1));
   }

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -18,71 +19,85 @@ namespace kesext {
 
 namespace {
 
+constexpr const char* kNewLink = "/data/adam/.new";
 constexpr mode_t kNewLogMode = 0740;
-/// How far the time of a stray file may lie from now, either way, before it is deleted.
+/// How far the time of a stray may lie from now, either way, before it is deleted.
 constexpr double kStrayAgeMax = 172'799;  // seconds
 
 struct CloseDirectory {
   void operator()(DIR* directory) const { closedir(directory); }
 };
-using Directory = std::unique_ptr<DIR, CloseDirectory>;
 
-Directory openLogDirectory() {
-  return Directory(opendir(DevicePath(kLogDirectory).text()));
+/// Visits each entry of the log directory, by the directory's descriptor and the entry's name. False, after a
+/// log line in the name of `operation`, when the directory was not read to its end.
+template <typename Visit>
+bool visitEntries(const char* operation, Visit visit) {
+  const std::unique_ptr<DIR, CloseDirectory> directory(opendir(DevicePath(kLogDirectory).text()));
+  if (!directory) {
+    LOGE("%s: can't open %s, errno %d", operation, kLogDirectory, errno);
+    return false;
+  }
+  const dirent* entry = nullptr;
+  for (errno = 0; (entry = readdir(directory.get())) != nullptr; errno = 0)
+    visit(dirfd(directory.get()), entry->d_name);
+  if (errno == 0) return true;
+  LOGE("%s: can't read %s, errno %d", operation, kLogDirectory, errno);
+  return false;
 }
 
 bool isSelfOrParent(const char* name) {
   return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
 }
 
-/// The path of an entry of the directory. False when it does not fit; a cut path would be another file's.
-bool entryPath(const char* name, LogPath& path) {
-  const int length = std::snprintf(path.data(), path.size(), "%s/%s", kLogDirectory, name);
-  return length >= 0 && static_cast<size_t>(length) < path.size();
+/// Deletes a file or an empty directory.
+void deleteEntry(int directory, const char* name) {
+  if (unlinkat(directory, name, 0) != 0) (void)unlinkat(directory, name, AT_REMOVEDIR);
 }
 
 void deleteFile(const LogPath& path) {
   (void)std::remove(DevicePath(path.data()).text());
 }
 
-bool isIndexed(const LogPath& path) {
+bool isIndexed(const char* path) {
   for (const LogIndex index : {kCurrentLog, kPreviousLog}) {
     LogPath target;
-    if (adam_get_filename(index, target) == 0 && std::strcmp(path.data(), target.data()) == 0) return true;
+    if (adam_get_filename(index, target) == 0 && std::strcmp(path, target.data()) == 0) return true;
   }
   return false;
 }
 
-/// Deletes visible files that are neither log and were last written two days ago or more.
+/// Deletes visible entries that are neither log and whose time lies two days or more from now, either way.
 void adam_clean_dir() {
   const time_t now = std::time(nullptr);
-  const Directory directory = openLogDirectory();
-  if (!directory) {
-    LOGE("adam_clean_dir: can't open %s, errno %d", kLogDirectory, errno);
-    return;
-  }
-  while (const dirent* entry = readdir(directory.get())) {
-    if (entry->d_name[0] == '.') continue;
-    LogPath path;
-    if (!entryPath(entry->d_name, path) || isIndexed(path)) continue;
+  visitEntries("adam_clean_dir", [now](int directory, const char* name) {
+    if (name[0] == '.') return;
+    char path[kLogPathSize + NAME_MAX];
+    std::snprintf(path, sizeof path, "%s/%s", kLogDirectory, name);
     struct stat status {};
-    if (stat(DevicePath(path.data()).text(), &status) != 0) continue;
-    if (std::fabs(std::difftime(now, status.st_mtime)) <= kStrayAgeMax) continue;
-    LOGE("adam_clean_dir: unexpected %s", path.data());
-    deleteFile(path);
-  }
+    if (isIndexed(path) || fstatat(directory, name, &status, 0) != 0) return;
+    if (std::fabs(std::difftime(now, status.st_mtime)) <= kStrayAgeMax) return;
+    LOGE("adam_clean_dir: unexpected %s", path);
+    deleteEntry(directory, name);
+  });
+}
+
+/// Makes an index link lead to `target`. It is moved over the old one, so that there is one at every moment.
+/// False when it cannot be made; the old one stays.
+bool replaceLink(const LogPath& link, const LogPath& target) {
+  const DevicePath made(kNewLink);
+  const DevicePath place(link.data());
+  (void)std::remove(made.text());
+  (void)rmdir(place.text());  // a link cannot be moved over a directory
+  return symlink(target.data(), made.text()) == 0 && std::rename(made.text(), place.text()) == 0;
 }
 
 }  // namespace
 
 int adam_create_new_log(LogPath& path) {
   LogPath name = newLogPath();
-  {
-    const DeviceFile created(name.data(), O_RDWR | O_CREAT | O_TRUNC, kNewLogMode);
-    if (!created) {
-      LOGE("adam_create_new_log: create new log %s failed, errno %d", name.data(), errno);
-      return -1;
-    }
+  if (!DeviceFile(name.data(), O_RDWR | O_CREAT | O_TRUNC, kNewLogMode)) {
+    LOGE("adam_create_new_log: create new log %s failed, errno %d", name.data(), errno);
+    return -1;
   }
   path = name;
   LOGE("adam_create_new_log: create new %s.", path.data());
@@ -92,8 +107,8 @@ int adam_create_new_log(LogPath& path) {
     adam_get_filename(index, old_target);
     LogPath link;
     adam_get_index_filename(index, link);
-    deleteFile(link);
-    if (logFileExists(name)) (void)!symlink(name.data(), DevicePath(link.data()).text());
+    if (!replaceLink(link, name)) return 0;
+    if (!logFileExists(name)) deleteFile(link);
     if (!logFileExists(old_target)) return 0;
     name = old_target;
   }
@@ -104,17 +119,10 @@ int adam_create_new_log(LogPath& path) {
 }
 
 void adam_reset_dir() {
-  const Directory directory = openLogDirectory();
-  if (!directory) {
-    LOGE("adam_reset_dir: can't open %s, errno %d", kLogDirectory, errno);
-    return;
-  }
-  while (const dirent* entry = readdir(directory.get())) {
-    LogPath path;
-    if (isSelfOrParent(entry->d_name) || entry->d_name[0] == '~' || !entryPath(entry->d_name, path)) continue;
-    deleteFile(path);
-  }
-  LOGE("adam_reset_dir DONE!");
+  const bool emptied = visitEntries("adam_reset_dir", [](int directory, const char* name) {
+    if (!isSelfOrParent(name) && name[0] != '~') deleteEntry(directory, name);
+  });
+  if (emptied) LOGE("adam_reset_dir DONE!");
 }
 
 }  // namespace kesext

@@ -6,11 +6,12 @@
 namespace kesext {
 
 /// Creates a new log file, makes it the current and the current one the previous log. Where there was a
-/// previous one too, that and old stray files are deleted; otherwise nothing is. Stores the new file's path
-/// and returns 0; leaves `path` alone and returns -1, after a log line, when the file cannot be created.
+/// previous one too, that and old strays are deleted; otherwise nothing is. A link that cannot be made ends
+/// this early: it and what follows stay as they were. Stores the new file's path and returns 0; leaves `path`
+/// alone and returns -1, after a log line, when the file cannot be created.
 int adam_create_new_log(LogPath& path);
 
-/// Deletes both index links and all log files; packages that are being collected stay.
+/// Deletes links, logs and all else that can be deleted; what begins with '~', as packages do, stays.
 void adam_reset_dir();
 
 }  // namespace kesext

@@ -18,7 +18,7 @@ constexpr const char* kLogPrefix = "/data/adam/adam";
 constexpr const char* kPackagePrefix = "/data/adam/~adam";
 constexpr const char* kLogSuffix = ".log";
 
-/// The most that a link's path and its target take, in bytes; the terminator comes on top.
+/// The bound of a link's path and of its target, in bytes: the last byte of a path stays the terminator.
 constexpr size_t kLinkTextMax = kLogPathSize - 1;
 
 /// The local time, or 1900-01-01 00:00:00 when it cannot be told.

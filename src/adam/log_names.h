@@ -3,7 +3,8 @@
 //   adam_YYYYMMDDhhmmss.log   a log file, by the local time of its creation
 //   .0001                     a symbolic link to the current log
 //   .0002                     a symbolic link to the previous log
-//   ~adamNNNN.log             the package NNNN while its packets arrive
+//   .new                      a link that is about to be moved over one of these two
+//   ~adamNNNN.log             the package NNNN, until a log holds it
 //
 // The links are the only record of which log is which, so that it survives a restart.
 #pragma once
@@ -16,7 +17,7 @@ namespace kesext {
 
 inline constexpr const char* kLogDirectory = "/data/adam";
 
-/// Room for a path of the modem logs, with its terminator, in bytes.
+/// Room for the path of a log, a link or a package, with its terminator, in bytes.
 inline constexpr size_t kLogPathSize = 150;
 using LogPath = std::array<char, kLogPathSize>;
 

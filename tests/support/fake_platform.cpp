@@ -2,6 +2,9 @@
 
 #include <pthread.h>
 
+#include <dirent.h>
+
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 
@@ -17,6 +20,7 @@ bool fake_out_of_memory = false;
 std::optional<time_t> fake_time;
 std::optional<int> fake_wait_result;
 std::function<void()> fake_unmap;
+std::function<int(const std::string&)> fake_file_error;
 
 void resetFakes() {
   fake_log.clear();
@@ -25,6 +29,7 @@ void resetFakes() {
   fake_time.reset();
   fake_wait_result.reset();
   fake_unmap = nullptr;
+  fake_file_error = nullptr;
   fake_modem = [](const FakeSend&, uint8_t*) { return 0; };
 }
 
@@ -66,6 +71,25 @@ extern "C" int __real_munmap(void* address, size_t size);
 extern "C" int __wrap_munmap(void* address, size_t size) {
   if (kesext_test::fake_unmap) kesext_test::fake_unmap();
   return __real_munmap(address, size);
+}
+
+// The link puts these in place of the file calls.
+static bool fails(const char* call) {
+  const int error = kesext_test::fake_file_error ? kesext_test::fake_file_error(call) : 0;
+  if (error != 0) errno = error;
+  return error != 0;
+}
+extern "C" int __real_symlink(const char* target, const char* path);
+extern "C" int __wrap_symlink(const char* target, const char* path) {
+  return fails("symlink") ? -1 : __real_symlink(target, path);
+}
+extern "C" int __real_rename(const char* from, const char* to);
+extern "C" int __wrap_rename(const char* from, const char* to) {
+  return fails("rename") ? -1 : __real_rename(from, to);
+}
+extern "C" dirent* __real_readdir(DIR* directory);
+extern "C" dirent* __wrap_readdir(DIR* directory) {
+  return fails("readdir") ? nullptr : __real_readdir(directory);
 }
 
 namespace kesext {

@@ -1,4 +1,4 @@
-// What the unit tests put in place of the log, the modem and the clock.
+// What the unit tests put in place of the log, the modem and the clock, and into the way of file calls.
 #pragma once
 
 #include <cstdint>
@@ -36,7 +36,10 @@ extern std::optional<int> fake_wait_result;
 /// Told before each munmap() of the code under test.
 extern std::function<void()> fake_unmap;
 
-/// Back to an empty log, no sends, a modem that answers zeros, and what the machine does itself.
+/// Gives for each symlink, rename and readdir, before it is done, the error number that it fails with, or 0.
+extern std::function<int(const std::string& call)> fake_file_error;
+
+/// Back to an empty log, no sends, a modem that answers zeros, the machine's time and its file calls.
 void resetFakes();
 
 }  // namespace kesext_test
