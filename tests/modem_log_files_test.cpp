@@ -48,6 +48,15 @@ class ModemLogFilesTest : public ModemLogTest {
     descriptors_ = OpenDescriptors();
   }
 
+  /// No file of the process may be larger than 16 KiB.
+  void BeginWithSizeLimit() {
+    handset::ParentOptions options{.executable = "/bin/bash", .handset_root = folder_.root()};
+    options.arguments = {"-c", R"(ulimit -f 16; exec "$0" "$@")", KESEXT_BINARY, "3", "4", "5", "0"};
+    parent_ = std::make_unique<handset::Parent>(options);
+    ASSERT_TRUE(Logs("Child process waiting for data"));
+    descriptors_ = OpenDescriptors();
+  }
+
   /// Lets the modem send indications, adds what was logged for them to the lines, and gives the last.
   std::string Send(const std::vector<Bytes>& indications) {
     for (const std::string& line : Indicate(indications))
@@ -84,7 +93,7 @@ class ModemLogFilesTest : public ModemLogTest {
   const Bytes content_ = handset::bytesOf("package");
   const std::vector<Bytes> package_ = logPackage(3, kLogHeader, content_);
   const std::string appended_ = "adam_update_current_log: update /data/adam/adam_NOW.log succeed.";
-  const std::string appended_to_old_ = "adam_update_current_log: update /data/adam/adam_old.log succeed.";
+  const std::string not_written_ = "adam_update_current_log: Unable to write /data/adam/adam_old.log, errno ";
 
   const bool in_log_group_ = handset::joinLogGroup();
   size_t descriptors_ = 0;
@@ -238,20 +247,29 @@ TEST_F(ModemLogFilesTest, ADirectoryThatCannotBeReadIsNotCleanedUp) {
   ExpectGolden(lines_, "modem_log_directory_unreadable");
 }
 
-TEST_F(ModemLogFilesTest, ALogThatTakesNothingLosesThePackage) {
+TEST_F(ModemLogFilesTest, APackageStaysWhereTheLogOrItsOwnFileCannotBeWrittenOrFlushed) {
   Begin();
   Link(1, kOldLog);
-  fs::create_symlink("/dev/full", folder_.path(kOldLog));
+  for (const char* log : {"/dev/full", "/dev/null"}) {
+    fs::remove(folder_.path(kOldLog));
+    fs::create_symlink(log, folder_.path(kOldLog));
+    Send(package_);
+    EXPECT_EQ(folder_.readFile(kPackage), content_);
+  }
+  for (const char* file : {kOldLog, kPackage})
+    fs::remove(folder_.path(file));
+  MakeCurrentLog(1);
+  fs::create_symlink("/dev/null", folder_.path(kPackage));
   Send(package_);
+  EXPECT_TRUE(fs::is_symlink(folder_.path(kPackage)));
   ExpectGolden(lines_, "modem_log_takes_nothing");
-  EXPECT_FALSE(fs::exists(folder_.path(kPackage)));
 }
 
 struct Unmount {
   void operator()(const char* path) const { umount2(path, MNT_DETACH); }
 };
 
-TEST_F(ModemLogFilesTest, AFullDiskTakesNothingFromTheLog) {
+TEST_F(ModemLogFilesTest, AFullDiskTakesNothingFromTheLogAndKeepsThePackage) {
   const std::string data = folder_.path("/data");
   if (mount("tmpfs", data.c_str(), "tmpfs", 0, "size=64k") != 0)
     GTEST_SKIP() << "mounting a file system takes a user who may: " << std::strerror(errno);
@@ -259,26 +277,37 @@ TEST_F(ModemLogFilesTest, AFullDiskTakesNothingFromTheLog) {
   const Bytes package = pattern(24 * kKilobyte, 7);
   MakeCurrentLog(old_.size());
   Begin();
-  EXPECT_EQ(Send(logPackage(3, kLogHeader, package)), appended_to_old_);
+  EXPECT_EQ(Send(logPackage(3, kLogHeader, package)), not_written_ + "28");
   EXPECT_EQ(CurrentLog(), concat(old_, sized(package, 8 * kKilobyte)));
+  EXPECT_EQ(folder_.readFile(kPackage), package);
   EXPECT_EQ(Send(logPackage(3, kLogHeader, old_)),
             "adamIndHndlr: Write to file /data/adam/~adam0003.log failed, errno 28");
   EXPECT_EQ(CurrentLog(), concat(old_, sized(package, 8 * kKilobyte)));
 }
 
-TEST_F(ModemLogFilesTest, AFileAtItsSizeLimitTakesNoMore) {
-  handset::ParentOptions options{.executable = "/bin/bash", .handset_root = folder_.root()};
-  options.arguments = {"-c", R"(ulimit -f 16; exec "$0" "$@")", KESEXT_BINARY, "3", "4", "5", "0"};
-  parent_ = std::make_unique<handset::Parent>(options);
-  ASSERT_TRUE(Logs("Child process waiting for data"));
-  descriptors_ = OpenDescriptors();
+TEST_F(ModemLogFilesTest, AFileAtItsSizeLimitTakesNoMoreAndAShortWriteHasNoError) {
+  BeginWithSizeLimit();
   const size_t old_size = 16 * kKilobyte - 100;
   MakeCurrentLog(old_size);
   const Bytes package = pattern(300, 7);
-  EXPECT_EQ(Send(logPackage(3, kLogHeader, package)), appended_to_old_);
+  EXPECT_EQ(Send(logPackage(3, kLogHeader, package)), not_written_ + "0");
   EXPECT_EQ(CurrentLog(), concat(sized(old_, old_size), sized(package, 100)));
-  folder_.writeFile(kPackage, sized(old_, 16 * kKilobyte));
-  EXPECT_EQ(SendPacket(2, 1), "adamIndHndlr: Write to file /data/adam/~adam0003.log failed, errno 27");
+  EXPECT_EQ(folder_.readFile(kPackage), package);
+  EXPECT_EQ(Send(logPackage(3, kLogHeader, package)), not_written_ + "27");
+  folder_.writeFile(kPackage, sized(old_, 16 * kKilobyte - 2));
+  const std::string not_stored = "adamIndHndlr: Write to file /data/adam/~adam0003.log failed, errno ";
+  EXPECT_EQ(SendPacket(2, 0), not_stored + "0");
+  EXPECT_EQ(SendPacket(3, 0), not_stored + "27");
+}
+
+TEST_F(ModemLogFilesTest, APackageThatIsTheCurrentLogIsAppendedToItselfOnce) {
+  BeginWithSizeLimit();
+  Link(1, kPackage);
+  Indicate({logPacketIndication({3, 2, 0, Bytes(5, 2)})});
+  fs::create_hard_link(folder_.path(kPackage), folder_.path(kOldLog));
+  EXPECT_EQ(SendPacket(3, 1), "adam_update_current_log: update /data/adam/~adam0003.log succeed.");
+  const Bytes once = concat(Bytes(5, 2), Bytes(5, 3));
+  EXPECT_EQ(folder_.readFile(kOldLog), concat(once, once));
 }
 
 }  // namespace

@@ -280,5 +280,19 @@ TEST_F(ModemLogRotationTest, APackageThatIsNotThereOrCannotBeReadLeavesTheLogAsI
   EXPECT_TRUE(Exists(kPackage));
 }
 
+TEST_F(ModemLogRotationTest, AShortWriteToTheLogDoesNotReportAnOlderError) {
+  Rotates(kStart);
+  Write(kPackage, kStart);
+  rlimit usual{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &usual), 0);
+  const rlimit half_a_package_more{12, usual.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &half_a_package_more), 0);
+  errno = EIO;
+  kesext::adam_update_current_log(kPackage);
+  setrlimit(RLIMIT_FSIZE, &usual);
+  EXPECT_EQ(fake_log.back(), "E adam_update_current_log: Unable to write " + pathAt(kStart) + ", errno 0");
+  EXPECT_TRUE(Exists(kPackage));
+}
+
 }  // namespace
 }  // namespace kesext_test

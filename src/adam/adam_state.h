@@ -9,8 +9,8 @@ namespace kesext {
 
 struct AdamState {
   Reassembly reassembly;
-  bool directory_ready = false;  // the log directory exists
-  time_t last_handoff = 0;       // to the drop-box; 0 until the first finished package
+  bool directory_ready = false;  // the log directory was made or found
+  time_t last_handoff = 0;       // to the drop-box; until then the first finished package, 0 before it
 };
 
 /// Only the indication thread uses it.

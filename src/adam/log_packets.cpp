@@ -20,7 +20,7 @@ namespace {
 constexpr mode_t kDirectoryMode = 0750;
 constexpr mode_t kPackageMode = 0740;
 
-/// False, after a log line, when there is no log directory.
+/// Makes the log directory, once. False, after a log line, when it cannot be made.
 bool makeLogDirectory() {
   if (adam_state.directory_ready) return true;
   if (mkdir(DevicePath(kLogDirectory).text(), kDirectoryMode) != 0 && errno != EEXIST) {
@@ -43,6 +43,7 @@ void storePacket(const adam_packet& packet, size_t skip) {
     return;
   }
   const size_t size = packet.size() - skip;
+  errno = 0;  // a short write does not set it
   if (write(package.descriptor(), packet.payload + skip, size) != static_cast<ssize_t>(size)) {
     LOGE("adamIndHndlr: Write to file %s failed, errno %d", path.data(), errno);
     return;

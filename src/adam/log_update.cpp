@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <ctime>
 
@@ -26,17 +27,13 @@ constexpr mode_t kAppendMode = 0770;
 constexpr mode_t kWrittenLogMode = 0660;
 constexpr gid_t kLogGroup = 2002;
 
-/// Whether a new log is to be begun. The first package begins the rotation period.
-bool startsNewLog(off_t log_size, off_t package_size) {
-  const time_t now = std::time(nullptr);
-  if (adam_state.last_handoff == 0)
-    adam_state.last_handoff = now;
-  else if (std::difftime(now, adam_state.last_handoff) >= kRotationPeriod)
-    return true;
-  return package_size > kLogSizeMax - log_size;
+/// Whether a new log is to be begun before the package is appended.
+bool startsNewLog(time_t now, off_t log_size, off_t package_size) {
+  return std::difftime(now, adam_state.last_handoff) >= kRotationPeriod ||
+         package_size > kLogSizeMax - log_size;
 }
 
-/// Hands the current log over and begins a new one. False when there is no new one.
+/// Begins a new log, once the current one is handed over unless it is empty. False when there is no new one.
 bool rotate(off_t log_size, LogPath& current_log) {
   if (log_size != 0) {
     LOGE("adam_update_current_log: send %s to dropbox.", current_log.data());
@@ -49,36 +46,21 @@ bool rotate(off_t log_size, LogPath& current_log) {
   return false;
 }
 
-/// Lets the log's readers at a log that is about to get its first bytes.
-void shareLog(const DeviceFile& log, const char* path) {
-  if (fchown(log.descriptor(), getuid(), kLogGroup) != 0)
-    LOGE("adam_update_current_log: Unable to chown %s, errno %d", path, errno);
-  if (fchmod(log.descriptor(), kWrittenLogMode) != 0)
-    LOGE("adam_update_current_log: Unable to chmod %s, errno %d", path, errno);
-}
-
-ssize_t readChunk(const DeviceFile& file, char (&chunk)[kCopyChunk]) {
-  ssize_t count = 0;
-  do {
-    count = read(file.descriptor(), chunk, sizeof chunk);
-  } while (count < 0 && errno == EINTR);
-  return count;
-}
-
-/// Copies the package to the end of the log. What a full disk does not take is lost with the package, never
-/// what the log holds already. False, after a log line, when the package cannot be read.
-bool copyPackage(const DeviceFile& package, const char* package_path, const DeviceFile& log) {
-  char chunk[kCopyChunk];
-  ssize_t count = 0;
-  while ((count = readChunk(package, chunk)) > 0)
-    (void)!write(log.descriptor(), chunk, static_cast<size_t>(count));
-  if (count == 0) return true;
-  LOGE("adam_update_current_log: Unable to read %s, errno %d", package_path, errno);
+/// Logs what could not be done with a file, and why. Returns false.
+bool unable(const char* what, const char* path) {
+  LOGE("adam_update_current_log: Unable to %s %s, errno %d", what, path, errno);
   return false;
 }
 
-/// Appends the package's file to the log. False, after a log line, when it was not read to its end.
-bool appendPackage(const char* package_path, const char* log_path, bool log_is_empty) {
+/// Lets the log's readers at a log that is about to get its first bytes.
+void shareLog(const DeviceFile& log, const char* path) {
+  if (fchown(log.descriptor(), getuid(), kLogGroup) != 0) unable("chown", path);
+  if (fchmod(log.descriptor(), kWrittenLogMode) != 0) unable("chmod", path);
+}
+
+/// Appends the package's file, of `size` bytes when it was looked at, to the log; no more of it, as the log
+/// may be that file. False, after a log line, unless the log has it all in storage.
+bool appendPackage(const char* package_path, off_t size, const char* log_path, bool log_is_empty) {
   const DeviceFile log(log_path, O_RDWR | O_CREAT | O_APPEND, kAppendMode);
   const DeviceFile package(package_path, O_RDONLY);
   if (!log || !package) {
@@ -86,9 +68,16 @@ bool appendPackage(const char* package_path, const char* log_path, bool log_is_e
     return false;
   }
   if (log_is_empty) shareLog(log, log_path);
-  if (!copyPackage(package, package_path, log)) return false;
-  fsync(log.descriptor());
-  fsync(package.descriptor());
+  char chunk[kCopyChunk];
+  ssize_t count = 0;
+  while ((count = read(package.descriptor(), chunk, std::min<size_t>(size, sizeof chunk))) > 0) {
+    errno = 0;  // a short write does not set it
+    if (write(log.descriptor(), chunk, static_cast<size_t>(count)) != count) return unable("write", log_path);
+    size -= count;
+  }
+  if (count < 0) return unable("read", package_path);
+  if (fsync(log.descriptor()) != 0) return unable("flush", log_path);
+  if (fsync(package.descriptor()) != 0) return unable("flush", package_path);
   return true;
 }
 
@@ -113,11 +102,13 @@ void adam_update_current_log(const char* temp_path) {
     return;
   }
   off_t log_size = log.st_size;
-  if (startsNewLog(log_size, package.st_size)) {
+  const time_t now = std::time(nullptr);
+  if (adam_state.last_handoff == 0) adam_state.last_handoff = now;  // the first period begins
+  if (startsNewLog(now, log_size, package.st_size)) {
     if (!rotate(log_size, current_log)) return;
     log_size = 0;
   }
-  if (!appendPackage(temp_path, current_log.data(), log_size == 0)) return;
+  if (!appendPackage(temp_path, package.st_size, current_log.data(), log_size == 0)) return;
   LOGE("adam_update_current_log: update %s succeed.", current_log.data());
   (void)unlink(DevicePath(temp_path).text());
 }

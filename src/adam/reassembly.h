@@ -28,7 +28,7 @@ class Reassembly {
   /// Takes the next packet, and logs why when it is to be dropped. A packet to be stored fits its record and
   /// holds more than is skipped.
   Verdict take(const adam_packet& packet);
-  /// Back to idle: the package is complete.
+  /// Back to idle: the package is over.
   void reset() { state_ = State::idle; }
 
  private:
