@@ -152,7 +152,7 @@ TEST_F(ModemLogRotationTest, AtEveryMomentOfARotationBothLinksLeadToALog) {
     Create(now);
   fs::create_symlink("/data/adam/left by a killed process", folder_.path("/data/adam/.new"));
   int calls = 0;
-  fake_file_error = [&](const std::string&) {
+  fake_call_error = [&](const std::string&) {
     ++calls;
     const std::vector<handset::LogEntry> entries = handset::logEntries(folder_);
     EXPECT_TRUE(entries[0].name == ".0001" && !entries[0].dangling) << "before call " << calls;
@@ -170,7 +170,7 @@ TEST_F(ModemLogRotationTest, ALinkThatCannotBeMadeLeavesTheOldOneAndEveryLog) {
   Create(kStart);
   Create(kStart + 1);
   const auto failed_for = [this](int index, time_t now) {
-    fake_file_error = [left = index](const std::string& call) mutable {
+    fake_call_error = [left = index](const std::string& call) mutable {
       return call == "symlink" && --left == 0 ? ENOSPC : 0;
     };
     fake_log.clear();
@@ -187,21 +187,9 @@ TEST_F(ModemLogRotationTest, ALinkThatCannotBeMadeLeavesTheOldOneAndEveryLog) {
                                                logAt(kStart + 1), logAt(kStart + 2), logAt(kStart + 3)));
 }
 
-TEST_F(ModemLogRotationTest, WithoutTheLogThatALinkWouldLeadToTheLinkIsDeleted) {
-  Create(kStart);
-  fake_time = kStart + 1;
-  fake_file_error = [this](const std::string&) {
-    fs::remove(folder_.path(pathAt(kStart + 1)));
-    return 0;
-  };
-  kesext::LogPath path{};
-  EXPECT_EQ(kesext::adam_create_new_log(path), 0);
-  EXPECT_THAT(logListing(folder_), ElementsAre(link(2, kStart), logAt(kStart)));
-}
-
 TEST_F(ModemLogRotationTest, ADirectoryThatCannotBeReadToItsEndIsNotSaidToBeDone) {
   int left = 0;
-  fake_file_error = [&](const std::string& call) { return call == "readdir" && --left == 0 ? EIO : 0; };
+  fake_call_error = [&](const std::string& call) { return call == "readdir" && --left == 0 ? EIO : 0; };
   for (const int readable : {0, 2}) {
     for (const time_t now : {kStart, kStart + 1, kStart + 2})
       Create(now);

@@ -22,14 +22,14 @@ constexpr size_t kLogSizeMax = 30 * 1024 * 1024 - 1;  // bytes
 void tourForwarded(TourStage& stage) {
   const Bytes data = bytesOf("from the modem");
   stage.indicate("Utility, type 0", "utility 0 'text:from the modem'",
-                 genericUnsolicited(UNSOL_UTILITY_0.msgType, UNSOL_UTILITY_0.msgId, concat(hex("02"), data)));
+                 genericUnsolicited(0, UNSOL_UTILITY_0.msgId, concat(hex("02"), data)));
   stage.indicate("Utility, type 2", "utility 2 'text:from the modem'",
-                 genericUnsolicited(UNSOL_UTILITY_2.msgType, UNSOL_UTILITY_2.msgId, data));
+                 genericUnsolicited(0, UNSOL_UTILITY_2.msgId, data));
   stage.indicate("Utility, type 3", "utility 3 'text:from the modem'",
-                 genericUnsolicited(UNSOL_UTILITY_3.msgType, UNSOL_UTILITY_3.msgId, data));
-  stage.indicate("A package of performance indicators", "kpi 9 'text:attach 312 ms'",
-                 genericUnsolicited(UNSOL_KPI.msgType, UNSOL_KPI.msgId,
-                                    concat(hex("EE FF C0 02"), bytesOf("attach 312 ms"))));
+                 genericUnsolicited(0, UNSOL_UTILITY_3.msgId, data));
+  stage.indicate(
+      "A package of performance indicators", "kpi 9 'text:attach 312 ms'",
+      genericUnsolicited(1, UNSOL_KPI.msgId, concat(hex("EE FF C0 02"), bytesOf("attach 312 ms"))));
 }
 
 /// Sends a package of log and waits until it is in the log.

@@ -107,8 +107,10 @@ int adam_create_new_log(LogPath& path) {
     adam_get_filename(index, old_target);
     LogPath link;
     adam_get_index_filename(index, link);
-    if (!replaceLink(link, name)) return 0;
-    if (!logFileExists(name)) deleteFile(link);
+    if (!logFileExists(name))
+      deleteFile(link);
+    else if (!replaceLink(link, name))
+      return 0;
     if (!logFileExists(old_target)) return 0;
     name = old_target;
   }

@@ -10,6 +10,7 @@
 #include "adam/log_names.h"
 #include "adam/log_update.h"
 #include "core/ground/device_file.h"
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/parent_pipes.h"
 

@@ -5,6 +5,7 @@
 
 #include "adam/log_packets.h"
 #include "adam/utility_records.h"
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/parent_pipes.h"
 #include "core/ground/table.h"

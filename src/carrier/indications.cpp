@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/parent_pipes.h"
 #include "qmi/indication.h"

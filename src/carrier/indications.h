@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "platform/qmi_client.h"
 
@@ -36,7 +37,7 @@ struct [[gnu::packed]] LteErrorRecord {
   uint32_t second_word;
   uint8_t block[kLteErrorBlockSize];
 };
-static_assert(sizeof(LteErrorRecord) == 112);
+static_assert(sizeof(LteErrorRecord) == 112 && std::has_unique_object_representations_v<LteErrorRecord>);
 static_assert(offsetof(LteErrorRecord, value) == 4);
 static_assert(offsetof(LteErrorRecord, second_word) == 5);
 static_assert(offsetof(LteErrorRecord, block) == 9);

@@ -128,10 +128,9 @@ bool kes_qmi_sprint_get_lte_data(LteData* data) {
 void handle_get_lte_data(const HookRequest& request, uint32_t, CarrierResponse& answer) {
   LOGE("handle_get_lte_data: EVENT VALUE %d ", request.msgId());
   LteData data{};
-  if (kes_qmi_sprint_get_lte_data(&data))
-    answer.put(data);
-  else
-    answer.setStatus(false);
+  const bool done = kes_qmi_sprint_get_lte_data(&data);
+  answer.setStatus(done);
+  if (done) answer.put(data);
 }
 
 }  // namespace kesext

@@ -1,5 +1,5 @@
 // The carrier's modem operations: one synchronous vendor message each, on the dispatch loop's thread. A send
-// that fails and a modem that refuses give the same: false, or zeros where something is read. Every failed
+// that fails and a modem that refuses give the same: false, or zeros where a value is returned. Every failed
 // send is logged, and every refusal but that of a roaming list or of a band's status to write.
 #pragma once
 

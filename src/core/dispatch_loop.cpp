@@ -22,10 +22,10 @@ namespace {
 HookRequest received;
 size_t received_length = 0;
 
-/// select() on one descriptor, whatever its number, where a descriptor set has room for the first 1024.
+/// What select() tells of a descriptor, but of any number: a descriptor set ends at 1024.
 int selectReadable(int descriptor, bool* readable) {
   pollfd wait{.fd = descriptor, .events = POLLIN, .revents = 0};
-  // A negative descriptor is no error to poll(), which would wait for nothing.
+  // poll() passes over a negative descriptor, and would wait for ever.
   const int result = poll(&wait, 1, descriptor < 0 ? 0 : -1);
   if (descriptor < 0 || (wait.revents & POLLNVAL) != 0) {
     errno = EBADF;

@@ -20,7 +20,7 @@ namespace {
 
 struct IndicationTableRow {
   uint32_t indication_id;
-  IndicationHandler handler;
+  IndicationHandler& handler;
 };
 
 constexpr IndicationTableRow unsolIndTable[] = {

@@ -54,7 +54,7 @@ static_assert(keysAreUnique(cdmaHookFallbackTable, &HookTableRow::msgId));
 static_assert(std::size(genericHookTable) == 7);
 static_assert(keysAreUnique(genericHookTable, &HookTableRow::msgId));
 
-template <HookHandler>
+template <HookHandler&>
 constexpr bool kIsFixedRead = false;
 template <>
 constexpr bool kIsFixedRead<handleNvReadRequest> = true;

@@ -10,7 +10,7 @@ namespace kesext {
 struct HookTableRow {
   uint32_t msgId;
   uint32_t argument;  // handed to the handler unchanged; the RDE element of an NV handler
-  HookHandler handler;
+  HookHandler& handler;
 };
 
 /// The row that serves a CDMA id the carrier declined, or null.

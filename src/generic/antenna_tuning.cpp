@@ -6,6 +6,7 @@
 
 #include "core/ground/byte_access.h"
 #include "core/ground/hex_text.h"
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/parent_pipes.h"
 #include "qmi/indication.h"

@@ -1,6 +1,7 @@
 #include "generic/data_plmn.h"
 
 #include "core/ground/hex_text.h"
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/parent_pipes.h"
 #include "qmi/send.h"

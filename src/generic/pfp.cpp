@@ -1,7 +1,9 @@
 #include "generic/pfp.h"
 
 #include <cstddef>
+#include <type_traits>
 
+#include "core/ground/hook_ids.h"
 #include "core/ground/log.h"
 #include "core/ground/parent_pipes.h"
 #include "qmi/indication.h"
@@ -30,6 +32,7 @@ struct mypfp_ind_msg_v01 {
   uint8_t unread_8[224];
 };
 static_assert(sizeof(mypfp_ind_msg_v01) == 232);
+static_assert(std::has_unique_object_representations_v<mypfp_ind_msg_v01>);
 static_assert(offsetof(mypfp_ind_msg_v01, rat) == 2);
 static_assert(offsetof(mypfp_ind_msg_v01, tbl_idx) == 4);
 

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <memory>
 
 #include "core/ground/device_file.h"
 #include "core/ground/log.h"
@@ -57,28 +58,28 @@ bool writePartition(const void* region) {
   return saved;
 }
 
+struct Unmap {
+  void operator()(void* region) const { munmap(region, kRegionSize); }
+};
+
 bool saveRegion() {
-  void* region = MAP_FAILED;
-  bool saved = false;
-  {
-    const DeviceFile device(kSharedRamPath, O_RDWR);
-    if (!device) {
-      LOGE("dhob_write: Unable to open %s", kSharedRamPath);
-      return false;
-    }
-    LOGE("dhob_write: kes_shared_ram open success");
-    region =
-        mmap(nullptr, kRegionSize, PROT_READ | PROT_WRITE, MAP_SHARED, device.descriptor(), kRegionOffset);
-    if (region == MAP_FAILED) {
-      LOGE("dhob_write: mmap failed");
-      LOGE("dhob_write: base %#x", static_cast<unsigned>(kRegionOffset));
-      LOGE("dhob_write: size %#x", static_cast<unsigned>(kRegionSize));
-      return false;
-    }
-    saved = writePartition(region);
+  std::unique_ptr<void, Unmap> region;  // before the device, which is closed first
+  const DeviceFile device(kSharedRamPath, O_RDWR);
+  if (!device) {
+    LOGE("dhob_write: Unable to open %s", kSharedRamPath);
+    return false;
   }
-  munmap(region, kRegionSize);
-  return saved;
+  LOGE("dhob_write: kes_shared_ram open success");
+  void* mapped =
+      mmap(nullptr, kRegionSize, PROT_READ | PROT_WRITE, MAP_SHARED, device.descriptor(), kRegionOffset);
+  if (mapped == MAP_FAILED) {
+    LOGE("dhob_write: mmap failed");
+    LOGE("dhob_write: base %#x", static_cast<unsigned>(kRegionOffset));
+    LOGE("dhob_write: size %#x", static_cast<unsigned>(kRegionSize));
+    return false;
+  }
+  region.reset(mapped);
+  return writePartition(mapped);
 }
 
 void* runSave(void*) {

@@ -9,7 +9,7 @@
 namespace kesext {
 
 /// Passes the utility record of the payload to the modem and its response's data back. The answer's status is
-/// always success; a failed send shows as an answer without data.
+/// success even after a failed send, which shows as an answer without data.
 int handleUtilsRequest(const HookRequest& request, uint32_t argument, uint32_t reserved);
 
 /// Answers with the response's data. `data_size` is only logged.

@@ -17,6 +17,7 @@ constexpr bool itemsAreSound() {
     uint32_t set = item.nam_byte ? 1 : 0;
     for (const NamField& field : item.fields) {
       if (field.offset + field.width > item.length) return false;
+      if (item.nam_byte && field.width > 0 && field.offset == 0) return false;
       set += field.width;
     }
     if (!fitsRdeData(item.length)) return false;

@@ -118,7 +118,7 @@ uint32_t kesext_hook_sprint_set_mdn_to_nv(const char* mdn, NamItemBuffer* buffer
 }
 
 /// Has the modem change the code. False, after a log line, when it does not.
-bool kes_qmi_sprint_write_spc(const uint8_t* current, const uint8_t* changed) {
+bool kes_qmi_sprint_write_spc(const uint8_t (&current)[kSpcSize], const uint8_t (&changed)[kSpcSize]) {
   LOGE("kes_qmi_sprint_write_spc entered ");
   ChangeSpcRequest change;
   std::memcpy(change.current, current, sizeof change.current);

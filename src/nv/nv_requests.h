@@ -1,5 +1,5 @@
-// The requests that read and write RDE elements. Each writes exactly one answer, unless said otherwise;
-// without memory for it, which is logged, that is a failure.
+// The requests that read and write RDE elements. Each writes exactly one answer, unless said otherwise.
+// Data that there is no memory for is logged, and answered with a failure.
 #pragma once
 
 #include <cstdint>

@@ -64,7 +64,7 @@ using RdeWriteResponse = ResultAndError;  // result 0: success
 inline constexpr VendorMessage<RdeReadRequest, RdeReadResponse> kRdeRead{0x0008};
 inline constexpr VendorMessage<RdeWriteRequest, RdeWriteResponse> kRdeWrite{0x0009};
 
-/// Whether so many bytes fit a message; a negative length, taken without its sign, does not.
+/// Whether so many bytes fit a message. A negative length, read as unsigned, never does.
 constexpr bool fitsRdeData(uint32_t length) {
   return length <= kRdeDataMax;
 }

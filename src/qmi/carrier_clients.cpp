@@ -9,8 +9,8 @@ namespace kesext {
 
 namespace {
 
-/// Attempts to connect a client, and within each of them to find its service, each of these followed by a
-/// wait of at most one second.
+/// Attempts to connect a client, and within each of them to find its service; one that does not find it is
+/// followed by a wait of at most one second.
 constexpr int kConnectAttempts = 5;
 constexpr int kServiceAttempts = 5;
 

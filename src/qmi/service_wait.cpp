@@ -3,6 +3,7 @@
 #include <sys/time.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <ctime>
 
 namespace kesext {

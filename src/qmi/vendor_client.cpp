@@ -12,7 +12,7 @@ namespace kesext {
 
 namespace {
 
-/// Attempts to find the service; between two of them is a wait of at most one second.
+/// Attempts to find the service; each that fails is followed by a wait of at most one second.
 constexpr int kServiceAttempts = 500;
 
 /// Set by the main thread at start-up, only read afterwards.

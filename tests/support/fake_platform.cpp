@@ -1,8 +1,7 @@
 #include "support/fake_platform.h"
 
-#include <pthread.h>
-
 #include <dirent.h>
+#include <pthread.h>
 
 #include <cerrno>
 #include <cstdarg>
@@ -18,18 +17,14 @@ std::vector<FakeSend> fake_sends;
 std::function<int32_t(const FakeSend&, uint8_t*)> fake_modem;
 bool fake_out_of_memory = false;
 std::optional<time_t> fake_time;
-std::optional<int> fake_wait_result;
-std::function<void()> fake_unmap;
-std::function<int(const std::string&)> fake_file_error;
+std::function<int(const std::string&)> fake_call_error;
 
 void resetFakes() {
   fake_log.clear();
   fake_sends.clear();
   fake_out_of_memory = false;
   fake_time.reset();
-  fake_wait_result.reset();
-  fake_unmap = nullptr;
-  fake_file_error = nullptr;
+  fake_call_error = nullptr;
   fake_modem = [](const FakeSend&, uint8_t*) { return 0; };
 }
 
@@ -59,23 +54,9 @@ extern "C" time_t __wrap_time(time_t* stored) {
   return now;
 }
 
-// And these in place of the wait for a service, and of the end of a mapping.
-extern "C" int __real_pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex,
-                                             const timespec* deadline);
-extern "C" int __wrap_pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex,
-                                             const timespec* deadline) {
-  const auto& result = kesext_test::fake_wait_result;
-  return result ? *result : __real_pthread_cond_timedwait(condition, mutex, deadline);
-}
-extern "C" int __real_munmap(void* address, size_t size);
-extern "C" int __wrap_munmap(void* address, size_t size) {
-  if (kesext_test::fake_unmap) kesext_test::fake_unmap();
-  return __real_munmap(address, size);
-}
-
-// The link puts these in place of the file calls.
+// The link puts these in place of the calls that may be made to fail.
 static bool fails(const char* call) {
-  const int error = kesext_test::fake_file_error ? kesext_test::fake_file_error(call) : 0;
+  const int error = kesext_test::fake_call_error ? kesext_test::fake_call_error(call) : 0;
   if (error != 0) errno = error;
   return error != 0;
 }
@@ -90,6 +71,16 @@ extern "C" int __wrap_rename(const char* from, const char* to) {
 extern "C" dirent* __real_readdir(DIR* directory);
 extern "C" dirent* __wrap_readdir(DIR* directory) {
   return fails("readdir") ? nullptr : __real_readdir(directory);
+}
+extern "C" int __real_munmap(void* address, size_t size);
+extern "C" int __wrap_munmap(void* address, size_t size) {
+  return fails("munmap") ? -1 : __real_munmap(address, size);
+}
+extern "C" int __real_pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex,
+                                             const timespec* deadline);
+extern "C" int __wrap_pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex,
+                                             const timespec* deadline) {
+  return fails("pthread_cond_timedwait") ? errno : __real_pthread_cond_timedwait(condition, mutex, deadline);
 }
 
 namespace kesext {

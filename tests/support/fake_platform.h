@@ -30,16 +30,11 @@ extern bool fake_out_of_memory;
 /// The present time in seconds; the machine's own without a value.
 extern std::optional<time_t> fake_time;
 
-/// What a timed wait on a condition gives at once; it waits without a value.
-extern std::optional<int> fake_wait_result;
+/// Gives for each symlink, rename, readdir, munmap and timed wait on a condition, before it is done, the
+/// error number that it fails with, or 0.
+extern std::function<int(const std::string& call)> fake_call_error;
 
-/// Told before each munmap() of the code under test.
-extern std::function<void()> fake_unmap;
-
-/// Gives for each symlink, rename and readdir, before it is done, the error number that it fails with, or 0.
-extern std::function<int(const std::string& call)> fake_file_error;
-
-/// Back to an empty log, no sends, a modem that answers zeros, the machine's time and its file calls.
+/// Back to an empty log, no sends, a modem that answers zeros, the machine's time and its calls.
 void resetFakes();
 
 }  // namespace kesext_test

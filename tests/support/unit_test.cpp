@@ -16,6 +16,7 @@ void UnitTest::SetUp() {
 }
 
 void UnitTest::TearDown() {
+  resetFakes();
   close(pipe_[0]);
   close(pipe_[1]);
 }

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <type_traits>
 
 #include "core/ground/hook_message.h"
@@ -36,11 +35,11 @@ class CarrierResponse {
     length_ += count;
     has_payload_ = true;
   }
-  /// Adds zeros, as many as there is room for; where there is nothing else, the builder gets no payload.
+  /// Adds zeros, as many as there is room for; they alone are no payload to the builder.
   void putZeros(size_t count) { length_ += std::min(count, sizeof payload_ - length_); }
 
   [[nodiscard]] int32_t length() const { return static_cast<int32_t>(length_); }
-  /// The payload of `length()` bytes; null when nothing but zeros was put.
+  /// The payload of `length()` bytes; null unless put() or putBytes() added to it.
   [[nodiscard]] const uint8_t* payload() const { return has_payload_ ? payload_ : nullptr; }
 
  private:

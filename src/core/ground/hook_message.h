@@ -91,7 +91,7 @@ struct HookRequest {
 
 /// A handler of one request id: (request, the argument of its table row, 0). It writes its own answer; its
 /// result is not looked at.
-using HookHandler = int (*)(const HookRequest& request, uint32_t argument, uint32_t reserved);
+using HookHandler = int(const HookRequest& request, uint32_t argument, uint32_t reserved);
 
 /// Classifies `length` received bytes: the message id, with the family in `family`, or kUnusableMsgId with
 /// `family` untouched.

@@ -22,8 +22,8 @@ int writeMessage(int pipe, const uint8_t* message, uint32_t length) {
   return 1;
 }
 
-/// Answers with bytes that stand on the stack, and goes out from there when there is no memory: for want of a
-/// few bytes the parent must not wait for ever.
+/// Writes an answer from the heap, as all are, or from where it stands when there is no memory: the parent
+/// must not wait for ever for want of a few bytes.
 template <size_t N>
 void sendLastResort(const std::array<uint8_t, N>& answer) {
   const MessageBuffer copy(N);

@@ -28,12 +28,12 @@ void sendGenericStatus(const HookRequest& request, uint8_t status);
 /// Answers an unusable or unserved request: its first four bytes, then a length of -1. Needs no memory.
 void sendGenericErrorResponse(const uint8_t* buffer);
 
-/// Sends an unsolicited message of CDMA form: status 0, `length` bytes of payload. False when there was no
-/// memory.
+/// Sends an unsolicited message of CDMA form: status 0, `length` bytes of payload, two zero bytes. False when
+/// there was no memory.
 bool sendCdmaUnsol(uint32_t msg_id, const void* payload, uint32_t length);
 
-/// Sends an unsolicited message of generic form with `length` bytes of payload. False when there was no
-/// memory.
+/// Sends an unsolicited message of generic form: `length` bytes of payload, twelve zero bytes. False when
+/// there was no memory.
 bool sendGenericUnsol(const GenericUnsolId& id, const void* payload, uint32_t length);
 
 }  // namespace kesext

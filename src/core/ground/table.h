@@ -14,9 +14,10 @@ constexpr bool keysAreUnique(const Row (&table)[N], Key Row::*key) {
   return true;
 }
 
-/// Whether a row has this key. For assertions: a sanitized build does not compare addresses while it compiles.
+/// Whether a row has this key. For assertions: a sanitized build does not compare addresses while it
+/// compiles.
 template <typename Row, size_t N, typename Key>
-constexpr bool hasRow(const Row (&table)[N], Key Row::*key, const Key& value) {
+constexpr bool hasRow(const Row (&table)[N], Key Row::*key, Key value) {
   for (const Row& row : table)
     if (row.*key == value) return true;
   return false;
@@ -24,7 +25,7 @@ constexpr bool hasRow(const Row (&table)[N], Key Row::*key, const Key& value) {
 
 /// The first row with this key, or null.
 template <typename Row, size_t N, typename Key>
-constexpr const Row* findRow(const Row (&table)[N], Key Row::*key, const Key& value) {
+constexpr const Row* findRow(const Row (&table)[N], Key Row::*key, Key value) {
   for (const Row& row : table)
     if (row.*key == value) return &row;
   return nullptr;
