@@ -21,7 +21,7 @@ std::string_view textOf(std::string_view line) {
 
 }  // namespace
 
-LineReader::LineReader(Fd pipe)
+LineReader::LineReader(host::UniqueFd pipe)
     : pipe_(std::move(pipe)),
       stop_(eventfd(0, EFD_CLOEXEC)),
       news_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),

@@ -11,8 +11,8 @@
 #include <thread>
 #include <vector>
 
-#include "handset/fd.h"
 #include "handset/timeout.h"
+#include "platform/host/unique_fd.h"
 
 namespace handset {
 
@@ -20,7 +20,7 @@ namespace handset {
 class LineReader {
  public:
   /// Reads until the end of file, or until this object goes.
-  explicit LineReader(Fd pipe);
+  explicit LineReader(host::UniqueFd pipe);
   LineReader(const LineReader&) = delete;
   LineReader& operator=(const LineReader&) = delete;
   ~LineReader();
@@ -50,9 +50,9 @@ class LineReader {
   void take(std::string_view chunk);
   void announce() const;
 
-  Fd pipe_;
-  Fd stop_;
-  Fd news_;
+  host::UniqueFd pipe_;
+  host::UniqueFd stop_;
+  host::UniqueFd news_;
   size_t news_from_ = 0;
   mutable std::mutex mutex_;
   mutable std::condition_variable changed_;

@@ -37,18 +37,18 @@ void check(int error, const std::string& what) {
 }
 
 struct Pipe {
-  Fd read;
-  Fd write;
+  host::UniqueFd read;
+  host::UniqueFd write;
 };
 
 Pipe makePipe() {
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) check(errno, "pipe2");
-  return {Fd(ends[0]), Fd(ends[1])};
+  return {host::UniqueFd(ends[0]), host::UniqueFd(ends[1])};
 }
 
-Fd moveUp(Fd fd) {
-  Fd moved(fcntl(fd.get(), F_DUPFD_CLOEXEC, kChildFdMin));
+host::UniqueFd moveUp(host::UniqueFd fd) {
+  host::UniqueFd moved(fcntl(fd.get(), F_DUPFD_CLOEXEC, kChildFdMin));
   if (!moved) check(errno, "F_DUPFD_CLOEXEC");
   return moved;
 }
@@ -113,7 +113,7 @@ class SpawnSettings {
     posix_spawnattr_destroy(&attributes_);
   }
 
-  void give(const Fd& fd, int number) {
+  void give(const host::UniqueFd& fd, int number) {
     check(posix_spawn_file_actions_adddup2(&actions_, fd.get(), number), "posix_spawn");
   }
   void closeFrom(int number) {
@@ -162,10 +162,10 @@ Parent::Parent(const ParentOptions& options) {
   Pipe responses = makePipe();
   Pipe unsolicited = makePipe();
   Pipe errors = makePipe();
-  const Fd child_requests = moveUp(std::move(requests.read));
-  const Fd child_responses = moveUp(std::move(responses.write));
-  const Fd child_unsolicited = moveUp(std::move(unsolicited.write));
-  const Fd child_errors = moveUp(std::move(errors.write));
+  const host::UniqueFd child_requests = moveUp(std::move(requests.read));
+  const host::UniqueFd child_responses = moveUp(std::move(responses.write));
+  const host::UniqueFd child_unsolicited = moveUp(std::move(unsolicited.write));
+  const host::UniqueFd child_errors = moveUp(std::move(errors.write));
 
   SpawnSettings settings;
   settings.give(child_errors, STDERR_FILENO);
@@ -174,7 +174,7 @@ Parent::Parent(const ParentOptions& options) {
   settings.give(child_unsolicited, kChildUnsolicitedFd);
   settings.closeFrom(kChildUnsolicitedFd + 1);
   pid_ = settings.spawn(argumentsOf(options), environmentOf(options));
-  process_ = Fd(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)));
+  process_ = host::UniqueFd(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)));
   if (!process_) {
     const int error = errno;
     ::kill(pid_, SIGKILL);

@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "handset/bytes.h"
-#include "handset/fd.h"
 #include "handset/line_reader.h"
 #include "handset/timeout.h"
+#include "platform/host/unique_fd.h"
 
 namespace handset {
 
@@ -89,11 +89,11 @@ class Parent {
   void catchUpWithLog(Millis timeout = kTimeout) const { log_->catchUp(timeout); }
 
  private:
-  Fd requests_;
-  Fd responses_;
-  Fd unsolicited_;
+  host::UniqueFd requests_;
+  host::UniqueFd responses_;
+  host::UniqueFd unsolicited_;
   pid_t pid_ = -1;
-  Fd process_;
+  host::UniqueFd process_;
   std::optional<int> exit_status_;
   Bytes unsolicited_bytes_;  // read, but not yet handed out
   std::unique_ptr<LineReader> log_;

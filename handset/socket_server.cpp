@@ -35,11 +35,11 @@ bool somebodyListensOn(const std::string& path) {
   address.sun_family = AF_UNIX;
   if (path.size() >= sizeof(address.sun_path)) return false;
   std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
-  const Fd probe(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+  const host::UniqueFd probe(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
   return probe && connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
 }
 
-Fd listenOn(const std::string& path) {
+host::UniqueFd listenOn(const std::string& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   if (somebodyListensOn(path)) {
@@ -52,7 +52,7 @@ Fd listenOn(const std::string& path) {
   std::memcpy(address.sun_path, temporary.c_str(), temporary.size() + 1);
 
   unlink(temporary.c_str());
-  Fd listening(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+  host::UniqueFd listening(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
   if (!listening) fail("socket");
   if (bind(listening.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0)
     fail(temporary);
@@ -125,7 +125,7 @@ void SocketServer::drop(ConnectionId id) {
 }
 
 bool SocketServer::send(ConnectionId id, ByteView first, ByteView second) {
-  const std::shared_ptr<Fd> connection = find(id);
+  const std::shared_ptr<host::UniqueFd> connection = find(id);
   if (connection == nullptr) return false;
   std::array<iovec, 2> parts{{{const_cast<uint8_t*>(first.data()), first.size()},
                               {const_cast<uint8_t*>(second.data()), second.size()}}};
@@ -166,7 +166,8 @@ void SocketServer::run() {
 }
 
 void SocketServer::acceptOne() {
-  auto connection = std::make_shared<Fd>(accept4(listening_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+  auto connection =
+      std::make_shared<host::UniqueFd>(accept4(listening_.get(), nullptr, nullptr, SOCK_CLOEXEC));
   if (!*connection) return;
   const int fd = connection->get();
   const timeval timeout{kSendTimeoutSeconds, 0};
@@ -178,7 +179,7 @@ void SocketServer::acceptOne() {
 }
 
 void SocketServer::receiveOne(ConnectionId id) {
-  const std::shared_ptr<Fd> connection = find(id);
+  const std::shared_ptr<host::UniqueFd> connection = find(id);
   if (connection == nullptr) return;
   const ssize_t size = recv(connection->get(), buffer_.data(), buffer_.size(), MSG_DONTWAIT | MSG_TRUNC);
   if (size < 0 && (errno == EAGAIN || errno == EINTR)) return;
@@ -219,7 +220,7 @@ void SocketServer::wake() const {
   [[maybe_unused]] const ssize_t written = write(wake_.get(), &kOne, sizeof(kOne));
 }
 
-std::shared_ptr<Fd> SocketServer::find(ConnectionId id) {
+std::shared_ptr<host::UniqueFd> SocketServer::find(ConnectionId id) {
   const std::scoped_lock lock(mutex_);
   const auto found = connections_.find(id);
   return found == connections_.end() ? nullptr : found->second;

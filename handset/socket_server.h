@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "handset/bytes.h"
-#include "handset/fd.h"
+#include "platform/host/unique_fd.h"
 
 namespace handset {
 
@@ -66,19 +66,19 @@ class SocketServer {
   void wake() const;
   /// Sends what is due and returns how many milliseconds the next packet is away, −1 when there is none.
   int sendDue();
-  std::shared_ptr<Fd> find(ConnectionId id);
+  std::shared_ptr<host::UniqueFd> find(ConnectionId id);
 
   Callbacks callbacks_;
   Bytes buffer_;
-  Fd epoll_;
-  Fd wake_;
-  Fd listening_;
+  host::UniqueFd epoll_;
+  host::UniqueFd wake_;
+  host::UniqueFd listening_;
   std::string path_;
   std::thread thread_;
   std::atomic<bool> running_ = false;
 
   std::mutex mutex_;
-  std::map<ConnectionId, std::shared_ptr<Fd>> connections_;
+  std::map<ConnectionId, std::shared_ptr<host::UniqueFd>> connections_;
   std::multimap<Clock::time_point, Later> later_;
   ConnectionId next_id_;
 };

@@ -1,12 +1,17 @@
 // The host's log, properties, drop-box and device paths.
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
+#include <sys/resource.h>
 
+#include <chrono>
+#include <csignal>
 #include <filesystem>
 
 #include "handset/folder.h"
 #include "platform/android_log.h"
 #include "platform/device_path.h"
 #include "platform/dropbox.h"
+#include "platform/host/unique_fd.h"
 #include "platform/properties.h"
 
 namespace kesext_test {
@@ -60,11 +65,65 @@ TEST_F(PlatformTest, PropertiesAreFiles) {
   EXPECT_EQ(folder_.property("ril.y"), "made");
 }
 
-TEST_F(PlatformTest, DropBoxEntriesAreFilesOfTheirOwn) {
-  std::filesystem::remove_all(folder_.path("/dropbox"));
-  for (const char* text : {"one", "two", "three"})
-    EXPECT_TRUE(NativeDropBoxWriter::addText("modem_adam", text));
-  EXPECT_EQ(folder_.dropboxEntries().size(), 3U);
+TEST_F(PlatformTest, ADropBoxEntryAppearsUnderItsNameWithItsTextInIt) {
+  const std::string dropbox = folder_.path("/dropbox");
+  std::filesystem::remove_all(dropbox);
+  EXPECT_TRUE(NativeDropBoxWriter::addText("makes_the_folder", ""));
+  const host::UniqueFd watch(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+  ASSERT_GE(inotify_add_watch(watch.get(), dropbox.c_str(), IN_CREATE | IN_MOVED_TO | IN_MODIFY), 0);
+  EXPECT_TRUE(NativeDropBoxWriter::addText("modem_adam", "whole"));
+
+  alignas(inotify_event) char events[4096];
+  const ssize_t size = read(watch.get(), events, sizeof events);
+  bool named = false;
+  for (ssize_t at = 0; at < size;) {
+    const auto* event = reinterpret_cast<const inotify_event*>(events + at);
+    named = named || event->name[0] != '.';
+    EXPECT_FALSE(named && (event->mask & IN_MODIFY) != 0) << event->name;
+    at += static_cast<ssize_t>(sizeof *event + event->len);
+  }
+  EXPECT_TRUE(named);
+  const auto entries = folder_.dropboxEntries();
+  ASSERT_EQ(entries.size(), 2U);
+  EXPECT_EQ(entries[1].tag + "=" + entries[1].text, "modem_adam=whole");
+  const std::filesystem::directory_iterator files(dropbox);
+  EXPECT_EQ(std::distance(begin(files), end(files)), 2) << "nothing but the entries";
+}
+
+TEST_F(PlatformTest, ATakenDropBoxNameTakesTheNextFreeNumber) {
+  const auto now = [] {
+    using std::chrono::duration_cast, std::chrono::milliseconds, std::chrono::system_clock;
+    return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
+  };
+  // Taken names ahead of the clock, by more than an entry takes.
+  auto free = now();
+  for (; free < now() + 500; ++free)
+    std::filesystem::create_symlink("nowhere", folder_.path("/dropbox/tag@" + std::to_string(free) + ".txt"));
+  for (const char* text : {"one", "two"})
+    EXPECT_TRUE(NativeDropBoxWriter::addText("tag", text));
+  const auto entries = folder_.dropboxEntries();
+  ASSERT_EQ(entries.size(), 2U);
+  EXPECT_GE(entries[0].milliseconds, free);
+  EXPECT_EQ(entries[0].text + entries[1].text, "onetwo");
+}
+
+TEST_F(PlatformTest, WhatCannotBeNamedOrWrittenLeavesNothing) {
+  const std::string long_name(300, 'n');
+  EXPECT_FALSE(NativeDropBoxWriter::addText(long_name.c_str(), "text"));
+  EXPECT_LT(property_set(long_name.c_str(), "text"), 0);
+
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const rlimit part_of_the_text{.rlim_cur = 3, .rlim_max = before.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &part_of_the_text);
+  const bool added = NativeDropBoxWriter::addText("tag", "text");
+  const int set = property_set("key", "text");
+  setrlimit(RLIMIT_FSIZE, &before);
+  EXPECT_FALSE(added);
+  EXPECT_LT(set, 0);
+  for (const char* folder : {"/dropbox", "/properties"})
+    EXPECT_TRUE(std::filesystem::is_empty(folder_.path(folder))) << folder;
 }
 
 TEST_F(PlatformTest, DevicePathsAreBelowTheHandsetFolder) {

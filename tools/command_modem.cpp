@@ -43,7 +43,7 @@ void obey(handset::Modem& modem, const std::string& line) {
 
 /// Goes on when the input has ended; only an interruption is the end.
 [[noreturn]] void serve(handset::Modem& modem) {
-  const handset::LineReader input(handset::Fd(dup(STDIN_FILENO)));
+  const handset::LineReader input(host::UniqueFd(dup(STDIN_FILENO)));
   size_t obeyed = 0;
   while (true) {
     for (const std::string& line : input.lines(obeyed)) {

@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kTimeoutMs = handset::kTimeout.count();
 
-bool waitToRead(const handset::Fd& fd) {
+bool waitToRead(const host::UniqueFd& fd) {
   pollfd watched{fd.get(), POLLIN, 0};
   return poll(&watched, 1, kTimeoutMs) > 0;
 }
@@ -32,7 +32,7 @@ Terminal::Terminal(const std::vector<std::string>& arguments)
   grantpt(screen_.get());
   unlockpt(screen_.get());
   const std::string line = ptsname(screen_.get());
-  own_line_ = handset::Fd(open(line.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+  own_line_ = host::UniqueFd(open(line.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
   const winsize size{.ws_row = 24, .ws_col = 80, .ws_xpixel = 0, .ws_ypixel = 0};
   ioctl(own_line_.get(), TIOCSWINSZ, &size);
   tcgetattr(own_line_.get(), &modes_);
@@ -45,7 +45,7 @@ Terminal::Terminal(const std::vector<std::string>& arguments)
   posix_spawn_file_actions_adddup2(&actions, STDIN_FILENO, STDOUT_FILENO);
   posix_spawn_file_actions_adddup2(&actions, STDIN_FILENO, STDERR_FILENO);
   pid_ = SpawnTool(arguments, actions, POSIX_SPAWN_SETSID);
-  tool_ = handset::Fd(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)));
+  tool_ = host::UniqueFd(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)));
 }
 
 Terminal::~Terminal() {

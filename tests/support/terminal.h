@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "handset/fd.h"
+#include "platform/host/unique_fd.h"
 
 namespace kesext_test {
 
@@ -34,9 +34,9 @@ class Terminal {
  private:
   bool readMore();
 
-  handset::Fd screen_;
-  handset::Fd own_line_;  // keeps the modes when the tool is gone
-  handset::Fd tool_;
+  host::UniqueFd screen_;
+  host::UniqueFd own_line_;  // keeps the modes when the tool is gone
+  host::UniqueFd tool_;
   pid_t pid_ = -1;
   termios modes_{};
   std::string seen_;

@@ -14,21 +14,21 @@ namespace kesext_test {
 
 namespace {
 
-using handset::Fd;
+using host::UniqueFd;
 
 struct Pipe {
   Pipe() {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) == 0) {
-      read = Fd(ends[0]);
-      write = Fd(ends[1]);
+      read = UniqueFd(ends[0]);
+      write = UniqueFd(ends[1]);
     }
   }
-  Fd read;
-  Fd write;
+  UniqueFd read;
+  UniqueFd write;
 };
 
-std::string readAll(const Fd& fd) {
+std::string readAll(const UniqueFd& fd) {
   std::string text;
   std::array<char, 4096> chunk;
   ssize_t count = 0;

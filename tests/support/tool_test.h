@@ -10,7 +10,7 @@
 #include <thread>
 #include <vector>
 
-#include "handset/fd.h"
+#include "platform/host/unique_fd.h"
 
 namespace kesext_test {
 
@@ -45,8 +45,8 @@ class RunningTool {
   bool readMore();
 
   pid_t pid_ = -1;
-  handset::Fd in_;
-  handset::Fd out_;
+  host::UniqueFd in_;
+  host::UniqueFd out_;
   ToolResult result_;
   std::thread errors_;
 };

@@ -15,7 +15,7 @@ bool InputWatch::start(int fd) {
   fd_ = fd;
   epoll_.reset(epoll_create1(EPOLL_CLOEXEC));
   timer_.reset(timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC));
-  if (!epoll_.valid() || !timer_.valid()) return false;
+  if (!epoll_ || !timer_) return false;
   epoll_event input{};
   input.events = EPOLLIN;
   // Told once for each time that it runs out, so nobody has to read it.

@@ -63,7 +63,7 @@ qmi_client_error_type LinkSocket::connect(Deadline deadline) {
   address.sun_family = AF_UNIX;
   if (device_path(kModemSocketPath, address.sun_path, sizeof address.sun_path)[0] == '\0') return kLocalError;
   fd_.reset(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
-  if (!fd_.valid() || !limitTime(fd_.get(), SO_RCVTIMEO, kReceiveSlice)) return kLocalError;
+  if (!fd_ || !limitTime(fd_.get(), SO_RCVTIMEO, kReceiveSlice)) return kLocalError;
   while (true) {
     const auto left = duration_cast<microseconds>(deadline - steady_clock::now());
     if (left <= microseconds::zero()) return kTimedOut;

@@ -20,7 +20,7 @@ bool ServiceNotifier::start(Service service, QmiSignal* signal) {
   service_ = service;
   signal_ = signal;
   stop_.reset(eventfd(0, EFD_CLOEXEC));
-  if (!stop_.valid()) return false;
+  if (!stop_) return false;
   const auto run = [](void* self) -> void* {
     static_cast<ServiceNotifier*>(self)->watch();
     return nullptr;
@@ -29,7 +29,7 @@ bool ServiceNotifier::start(Service service, QmiSignal* signal) {
 }
 
 ServiceNotifier::~ServiceNotifier() {
-  if (stop_.valid()) eventfd_write(stop_.get(), 1);
+  if (stop_) eventfd_write(stop_.get(), 1);
   thread_.join();
 }
 

@@ -3,18 +3,25 @@
 
 #include <unistd.h>
 
+#include <utility>
+
 namespace host {
 
 class UniqueFd {
  public:
-  explicit UniqueFd(int fd = -1) : fd_(fd) {}
+  UniqueFd() = default;
+  /// Takes over an open descriptor; a negative one stands for none.
+  explicit UniqueFd(int fd) : fd_(fd) {}
+  UniqueFd(UniqueFd&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+  UniqueFd& operator=(UniqueFd&& other) noexcept {
+    reset(std::exchange(other.fd_, -1));
+    return *this;
+  }
   ~UniqueFd() { reset(); }
-  UniqueFd(const UniqueFd&) = delete;
-  UniqueFd& operator=(const UniqueFd&) = delete;
 
-  /// The descriptor, or -1.
+  /// The descriptor; negative when there is none.
   [[nodiscard]] int get() const { return fd_; }
-  [[nodiscard]] bool valid() const { return fd_ >= 0; }
+  explicit operator bool() const { return fd_ >= 0; }
 
   /// Closes the descriptor and owns `fd` from now on.
   void reset(int fd = -1) {
@@ -23,7 +30,7 @@ class UniqueFd {
   }
 
  private:
-  int fd_;
+  int fd_ = -1;
 };
 
 }  // namespace host
