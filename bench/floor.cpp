@@ -23,10 +23,9 @@ int connectToVendor(const char* path) {
   address.sun_family = AF_UNIX;
   std::snprintf(address.sun_path, sizeof address.sun_path, "%s", path);
   if (connect(socket_fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) return -1;
-  const auto hello = host::encodeFrameHeader({host::FrameKind::connect, host::Service::vendor, 0, 0, 0});
+  const host::FrameHeader hello{host::FrameKind::connect, host::Service::vendor, 0, 0, 0};
   char reply[64];
-  if (send(socket_fd, hello.data(), hello.size(), 0) < 0 || recv(socket_fd, reply, sizeof reply, 0) <= 0)
-    return -1;
+  if (send(socket_fd, &hello, sizeof hello, 0) < 0 || recv(socket_fd, reply, sizeof reply, 0) <= 0) return -1;
   return socket_fd;
 }
 
@@ -47,9 +46,8 @@ int main(int argc, char** argv) {
   if (argc >= 7) {
     modem = connectToVendor(argv[5]);
     if (modem < 0) return 3;
-    const auto header =
-        host::encodeFrameHeader({host::FrameKind::request, host::Service::vendor, 0x0008, 1, 0});
-    exchange.assign(header.begin(), header.end());
+    const host::FrameHeader header{host::FrameKind::request, host::Service::vendor, 0x0008, 1, 0};
+    exchange.assign(reinterpret_cast<const char*>(&header), sizeof header);
     exchange.append(std::stoul(argv[6]), '\0');
   }
 

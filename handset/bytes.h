@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/ground/byte_access.h"
+
 namespace handset {
 
 using Bytes = std::vector<uint8_t>;
@@ -75,41 +77,40 @@ Bytes concat(const Parts&... parts) {
   return all;
 }
 
+/// The integers that messages are made of.
+template <typename T>
+concept Word = std::same_as<T, uint16_t> || std::same_as<T, uint32_t>;
+
 /// Stores an integer at an offset, little-endian. Throws when it does not fit.
-template <std::unsigned_integral T>
+template <Word T>
 void putLe(std::span<uint8_t> bytes, size_t offset, T value) {
   if (offset > bytes.size() || bytes.size() - offset < sizeof(T)) throw std::out_of_range("putLe");
-  for (size_t i = 0; i < sizeof(T); ++i)
-    bytes[offset + i] = static_cast<uint8_t>(value >> (8 * i));
+  if constexpr (sizeof(T) == 2) {
+    kesext::storeLe16(&bytes[offset], value);
+  } else {
+    kesext::storeLe32(&bytes[offset], value);
+  }
 }
 
 /// The little-endian integer at an offset. Throws when the bytes end before it does.
-template <std::unsigned_integral T>
+template <Word T>
 T getLe(ByteView bytes, size_t offset) {
   if (offset > bytes.size() || bytes.size() - offset < sizeof(T)) throw std::out_of_range("getLe");
-  T value = 0;
-  for (size_t i = 0; i < sizeof(T); ++i)
-    value = static_cast<T>(value | static_cast<T>(bytes[offset + i]) << (8 * i));
-  return value;
-}
-
-/// Stores an integer at an offset, big-endian. Throws when it does not fit.
-template <std::unsigned_integral T>
-void putBe(std::span<uint8_t> bytes, size_t offset, T value) {
-  if (offset > bytes.size() || bytes.size() - offset < sizeof(T)) throw std::out_of_range("putBe");
-  for (size_t i = 0; i < sizeof(T); ++i)
-    bytes[offset + sizeof(T) - 1 - i] = static_cast<uint8_t>(value >> (8 * i));
-}
-
-/// The big-endian integer at an offset. Throws when the bytes end before it does.
-template <std::unsigned_integral T>
-T getBe(ByteView bytes, size_t offset) {
-  if (offset > bytes.size() || bytes.size() - offset < sizeof(T)) throw std::out_of_range("getBe");
-  T value = 0;
-  for (size_t i = 0; i < sizeof(T); ++i) {
-    value = static_cast<T>(value | static_cast<T>(bytes[offset + sizeof(T) - 1 - i]) << (8 * i));
+  if constexpr (sizeof(T) == 2) {
+    return kesext::loadLe16(&bytes[offset]);
+  } else {
+    return kesext::loadLe32(&bytes[offset]);
   }
-  return value;
+}
+
+/// The same with big-endian words.
+template <std::same_as<uint32_t> T>
+void putBe(std::span<uint8_t> bytes, size_t offset, T value) {
+  putLe(bytes, offset, kesext::swapBytes32(value));
+}
+template <std::same_as<uint32_t> T>
+T getBe(ByteView bytes, size_t offset) {
+  return kesext::swapBytes32(getLe<T>(bytes, offset));
 }
 
 /// One integer as bytes, to be put together with concat.
@@ -121,11 +122,6 @@ inline Bytes le16(uint16_t value) {
 inline Bytes le32(uint32_t value) {
   Bytes bytes(sizeof(value));
   putLe(bytes, 0, value);
-  return bytes;
-}
-inline Bytes be16(uint16_t value) {
-  Bytes bytes(sizeof(value));
-  putBe(bytes, 0, value);
   return bytes;
 }
 inline Bytes be32(uint32_t value) {

@@ -1,6 +1,7 @@
 #include "handset/modem.h"
 
 #include <algorithm>
+#include <cstring>
 #include <optional>
 #include <utility>
 
@@ -49,7 +50,7 @@ void Modem::dropConnections() {
 }
 
 void Modem::publish(Service service, int32_t instances) {
-  const auto frame = host::encodeFrameHeader({FrameKind::services, service, 0, 0, instances});
+  const auto frame = recordBytes(FrameHeader{FrameKind::services, service, 0, 0, instances});
   const std::scoped_lock lock(mutex_);
   if (std::exchange(published_[service].instances, instances) == instances) return;
   // Sent under the lock, so that every lookup hears of changes in their order.
@@ -101,7 +102,7 @@ void Modem::restore(Service service, uint16_t id) {
 }
 
 size_t Modem::indicate(Service service, uint16_t id, ByteView body) {
-  const auto header = host::encodeFrameHeader({FrameKind::indication, service, id, 0, 0});
+  const auto header = recordBytes(FrameHeader{FrameKind::indication, service, id, 0, 0});
   return sendRaw(service, concat(header, body));
 }
 
@@ -119,7 +120,7 @@ size_t Modem::sendRaw(Service service, ByteView packet) {
 
 bool Modem::respond(const Received& request, int32_t code, ByteView body) {
   const FrameHeader header = responseHeader(request.service, request.id, request.transaction, code);
-  return server_.send(request.connection, host::encodeFrameHeader(header), code == 0 ? body : ByteView{});
+  return server_.send(request.connection, recordBytes(header), code == 0 ? body : ByteView{});
 }
 
 std::vector<Received> Modem::requests() const {
@@ -172,8 +173,9 @@ size_t Modem::countPeers(FrameKind role, Service service) const {
 }
 
 void Modem::onPacket(ConnectionId id, ByteView packet) {
-  if (packet.size() < host::kFrameHeaderSize) return;
-  const FrameHeader header = host::decodeFrameHeader(packet.data());
+  FrameHeader header;
+  if (packet.size() < sizeof header) return;
+  std::memcpy(&header, packet.data(), sizeof header);
   if (!isService(header.service)) return;
   switch (header.kind) {
     case FrameKind::lookup:
@@ -181,7 +183,7 @@ void Modem::onPacket(ConnectionId id, ByteView packet) {
     case FrameKind::connect:
       return onConnect(id, header.service);
     case FrameKind::request:
-      return onRequest(id, header, packet.subspan(host::kFrameHeaderSize));
+      return onRequest(id, header, packet.subspan(sizeof header));
     case FrameKind::services:
     case FrameKind::connected:
     case FrameKind::response:
@@ -202,7 +204,7 @@ void Modem::onClosed(ConnectionId id) {
 void Modem::onLookup(ConnectionId id, Service service) {
   const std::scoped_lock lock(mutex_);
   const int32_t instances = published_[service].instances;
-  if (!server_.send(id, host::encodeFrameHeader({FrameKind::services, service, 0, 0, instances}))) return;
+  if (!server_.send(id, recordBytes(FrameHeader{FrameKind::services, service, 0, 0, instances}))) return;
   peers_[id] = {FrameKind::lookup, service};
   changed_.notify_all();
 }
@@ -211,7 +213,7 @@ void Modem::onConnect(ConnectionId id, Service service) {
   const std::scoped_lock lock(mutex_);
   const Publication& published = published_[service];
   const int32_t code = published.refusal == 0 && published.instances <= 0 ? kNotPublished : published.refusal;
-  if (!server_.send(id, host::encodeFrameHeader({FrameKind::connected, service, 0, 0, code}))) return;
+  if (!server_.send(id, recordBytes(FrameHeader{FrameKind::connected, service, 0, 0, code}))) return;
   if (code != 0) return;
   peers_[id] = {FrameKind::connect, service};
   changed_.notify_all();
@@ -235,8 +237,8 @@ void Modem::onRequest(ConnectionId id, const FrameHeader& header, ByteView body)
   if (rule != nullptr && rule->silent) return;
 
   const Reply reply = replyTo(header, body, rule.get());
-  const auto answer = host::encodeFrameHeader(
-      responseHeader(header.service, header.message_id, header.transaction, reply.code));
+  const auto answer =
+      recordBytes(responseHeader(header.service, header.message_id, header.transaction, reply.code));
   const ByteView answer_body = reply.code == 0 ? ByteView(reply.body) : ByteView{};
   if (rule != nullptr && rule->delay > Millis::zero()) {
     server_.sendLater(id, SocketServer::Clock::now() + rule->delay, concat(answer, answer_body));

@@ -103,6 +103,19 @@ TEST_F(ModemLinkTest, AResponseIsTakenOnlyWhenItHasTheStructuresSize) {
   EXPECT_EQ(response, hex("01 02 03")) << "an error leaves the response as it was";
 }
 
+TEST_F(ModemLinkTest, TheLongestFrameGoesWholeAndALongerOneNotAtAll) {
+  Connect();
+  Bytes longest(size_t{64} * 1024 - 12);
+  for (size_t i = 0; i < longest.size(); ++i)
+    longest[i] = static_cast<uint8_t>(i * i >> 8);
+  Bytes response(longest.size());
+  EXPECT_EQ(Send(kEcho, longest, response), 0);
+  EXPECT_EQ(response, longest);
+  longest.push_back(0);
+  EXPECT_EQ(Send(kEcho, longest, response), -1);
+  EXPECT_EQ(modem_.requestCount(), 1U);
+}
+
 TEST_F(ModemLinkTest, ManyThreadsEachGetTheirOwnAnswersWhileIndicationsArrive) {
   Connect();
   std::vector<std::thread> threads;

@@ -1,9 +1,10 @@
 // One packet of the modem link: a 12-byte header, all integers little-endian, and a body.
 #pragma once
 
-#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 namespace host {
 
@@ -20,6 +21,7 @@ enum class FrameKind : uint8_t {
 
 enum class Service : uint8_t { dms = 2, nas = 3, vendor = 0xE4 };
 
+/// The header as it stands in the packet.
 struct FrameHeader {
   FrameKind kind{};
   Service service{};
@@ -27,16 +29,15 @@ struct FrameHeader {
   uint32_t transaction = 0;  // request and response, else 0
   int32_t code = 0;          // services, connected and response, else 0
 };
+static_assert(sizeof(FrameHeader) == 12 && std::has_unique_object_representations_v<FrameHeader>);
+static_assert(offsetof(FrameHeader, service) == 1 && offsetof(FrameHeader, message_id) == 2);
+static_assert(offsetof(FrameHeader, transaction) == 4 && offsetof(FrameHeader, code) == 8);
+static_assert(std::endian::native == std::endian::little, "headers are copied as they are");
 
-inline constexpr size_t kFrameHeaderSize = 12;
 /// More than any message of the contract; a longer packet is dropped.
 inline constexpr size_t kFrameSizeMax = size_t{64} * 1024;
 
 /// Name of the modem's socket below the handset folder.
 inline constexpr const char* kModemSocketPath = "/modem.sock";
-
-std::array<uint8_t, kFrameHeaderSize> encodeFrameHeader(const FrameHeader& header);
-/// Reads the header from `bytes`, which hold at least kFrameHeaderSize bytes.
-FrameHeader decodeFrameHeader(const uint8_t* bytes);
 
 }  // namespace host

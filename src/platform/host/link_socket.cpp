@@ -75,13 +75,13 @@ qmi_client_error_type LinkSocket::connect(Deadline deadline) {
 
 qmi_client_error_type LinkSocket::send(const FrameHeader& header, const void* body, size_t body_size,
                                        Deadline deadline) const {
-  std::array<uint8_t, kFrameSizeMax> packet;
-  if (body_size > packet.size() - kFrameHeaderSize) return kLocalError;
-  const auto header_bytes = encodeFrameHeader(header);
-  memcpy(packet.data(), header_bytes.data(), header_bytes.size());
-  if (body_size > 0) memcpy(packet.data() + kFrameHeaderSize, body, body_size);
-  const size_t size = kFrameHeaderSize + body_size;
-  while (::send(fd_.get(), packet.data(), size, MSG_DONTWAIT | MSG_NOSIGNAL) < 0) {
+  if (body_size > kFrameSizeMax - sizeof header) return kLocalError;
+  std::array<iovec, 2> parts{{{.iov_base = const_cast<FrameHeader*>(&header), .iov_len = sizeof header},
+                              {.iov_base = const_cast<void*>(body), .iov_len = body_size}}};
+  msghdr packet{};
+  packet.msg_iov = parts.data();
+  packet.msg_iovlen = parts.size();
+  while (sendmsg(fd_.get(), &packet, MSG_DONTWAIT | MSG_NOSIGNAL) < 0) {
     if (errno == EPIPE) return kNoService;
     // ECONNRESET tells once that the modem went with frames unread.
     if (errno == EINTR || errno == ECONNRESET) continue;
@@ -111,10 +111,10 @@ Received LinkSocket::receive(Frame& frame, int flags) {
   }
   if (size == 0 && atEnd()) return Received::closed;
   const auto packet_size = static_cast<size_t>(size);
-  if (packet_size < kFrameHeaderSize || packet_size > buffer_.size()) return Received::nothing;
-  frame.header = decodeFrameHeader(buffer_.data());
-  frame.body = buffer_.data() + kFrameHeaderSize;
-  frame.body_size = packet_size - kFrameHeaderSize;
+  if (packet_size < sizeof frame.header || packet_size > buffer_.size()) return Received::nothing;
+  memcpy(&frame.header, buffer_.data(), sizeof frame.header);
+  frame.body = buffer_.data() + sizeof frame.header;
+  frame.body_size = packet_size - sizeof frame.header;
   return Received::frame;
 }
 

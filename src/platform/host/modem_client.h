@@ -24,8 +24,8 @@ namespace host {
 struct Exchange {
   uint16_t message_id;
   const void* request;
-  size_t request_size;  // at most kFrameSizeMax - kFrameHeaderSize
-  void* response;       // written only when the result is kDone
+  size_t request_size;
+  void* response;  // written only when the result is kDone
   size_t response_size;
 };
 
