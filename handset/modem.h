@@ -2,9 +2,9 @@
 //
 // Every message of the table is answered from ModemState, until a rule for (service, message id) says
 // otherwise. answer(), fail(), handle() and silence() replace one another; delay() adds to any of them;
-// restore() undoes all. A request whose size is not the table's is refused with kMalformed, rule or not, and
-// one that neither table nor rules know with kUnknownMessage. Rules may be set for ids outside the table;
-// those take any size.
+// restore() undoes all. Unless it is silenced, a request whose size is not the table's is refused with
+// kMalformed, and one that neither table nor rules know with kUnknownMessage. Rules may be set for ids
+// outside the table; those take any size.
 #pragma once
 
 #include <condition_variable>

@@ -48,8 +48,8 @@ struct LogEntry {
   std::string name;
   std::optional<std::string> target;  // of a link
   bool dangling = false;              // a link that leads nowhere
-  uint64_t size = 0;                  // in bytes; of a link's target
-  mode_t mode = 0;                    // permission bits, like the size
+  uint64_t size = 0;                  // in bytes; like the next two, of a link's target
+  mode_t mode = 0;                    // permission bits
   gid_t group = 0;
 };
 

@@ -1,4 +1,4 @@
-// What the modem remembers and reports where a test gives no answer of its own.
+// What the modem remembers and reports where no rule gives another answer.
 #pragma once
 
 #include <cstddef>

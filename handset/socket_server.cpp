@@ -12,7 +12,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -48,7 +47,10 @@ host::UniqueFd listenOn(const std::string& path) {
   }
   // The socket appears under its name only when everybody may connect to it and somebody listens.
   const std::string temporary = path + ".new";
-  if (temporary.size() >= sizeof(address.sun_path)) throw std::length_error("socket path too long: " + path);
+  if (temporary.size() >= sizeof(address.sun_path)) {
+    errno = ENAMETOOLONG;
+    fail(path);
+  }
   std::memcpy(address.sun_path, temporary.c_str(), temporary.size() + 1);
 
   unlink(temporary.c_str());

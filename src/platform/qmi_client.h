@@ -35,7 +35,7 @@ struct QmiSignal {
 /// Connection parameters of the operating system; this process passes none.
 struct qmi_client_os_params;
 
-/// Kinds of messages that qmi_client_message_decode is told apart by.
+/// What qmi_client_message_decode is told that it decodes.
 enum qmi_idl_message_type { QMI_IDL_REQUEST = 0, QMI_IDL_RESPONSE = 1, QMI_IDL_INDICATION = 2 };
 
 /// Called on a thread of the framework, one indication at a time per client.

@@ -39,8 +39,8 @@ class ModemClient {
 
   /// Connects to the service. The modem's code when it refuses, kNoService, kTimedOut, kLocalError.
   qmi_client_error_type connect(Service service, Deadline deadline);
-  /// Starts to receive, once connected; indications go to `callback`, unless it is null. False when there are
-  /// no threads to be had; no callback has run then.
+  /// Starts to receive, once connected; indications go to `callback`, unless it is null. False when this
+  /// machine has no thread or descriptor left; no callback has run then.
   bool start(qmi_client_type handle, qmi_client_ind_cb callback, void* data);
   /// Sends a request and waits for its response; from any number of threads at once.
   qmi_client_error_type exchange(const Exchange& exchange, Deadline deadline);
@@ -63,7 +63,8 @@ class ModemClient {
   LinkSocket socket_;
 
   std::mutex mutex_;  // guards all from here to watch_
-  /// Told when a request is done, nobody receives, waits or sends any more, or the link is lost.
+  /// Told when a request is done, nobody receives, waits or sends any more, the link is lost or the client
+  /// goes.
   std::condition_variable changed_;
   Pending* pending_ = nullptr;  // one for each thread inside `exchange`
   size_t waiting_ = 0;          // how many of them have sent and wait for the response
