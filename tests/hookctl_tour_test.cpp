@@ -34,14 +34,14 @@ TEST_F(Tour, AnAnswerThatDiffersIsShownFromItsFirstWrongByte) {
 TEST_F(Tour, ItsLinesCanBeTypedInTheShell) {
   const ToolResult tour = RunTool({"tour", "--colour", "never"});
   EXPECT_EQ(tour.status, 0);
-  constexpr std::string_view kPrompt = "    hook> ";
+  constexpr std::string_view kTourPrompt = "    hook> ";
   std::istringstream lines(tour.out);
   std::string typed;
   size_t count = 0;
   for (std::string line; std::getline(lines, line);) {
     const bool cut = line.ends_with(" characters)");
-    if (!line.starts_with(kPrompt) || cut) continue;
-    typed += line.substr(kPrompt.size()) + '\n';
+    if (!line.starts_with(kTourPrompt) || cut) continue;
+    typed += line.substr(kTourPrompt.size()) + '\n';
     ++count;
   }
   EXPECT_GT(count, 60U);

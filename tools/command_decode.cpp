@@ -66,7 +66,7 @@ struct DecodeOptions {
 };
 
 /// What was made of a text.
-struct Reading {
+struct Interpretation {
   std::string_view kind;
   std::optional<RecordKind> other;
   Bytes bytes;
@@ -122,7 +122,7 @@ class Decoder {
 
   /// Shows what a text is; `line` is its first in the input, 0 for none.
   void show(std::string_view text, size_t line, const DumpAnnouncement* announced) {
-    const Reading reading = read(text, announced);
+    const Interpretation reading = read(text, announced);
     ++shown_;
     all_parsed_ = all_parsed_ && !reading.decoded.problem;
     if (options_.json)
@@ -135,9 +135,9 @@ class Decoder {
   [[nodiscard]] bool allParsed() const { return all_parsed_; }
 
  private:
-  [[nodiscard]] Reading read(std::string_view text, const DumpAnnouncement* announced) const {
+  [[nodiscard]] Interpretation read(std::string_view text, const DumpAnnouncement* announced) const {
     auto [bytes, problem] = readDigits(text);
-    Reading reading{.bytes = std::move(bytes)};
+    Interpretation reading{.bytes = std::move(bytes)};
     if (problem) {
       reading.kind = "text";
       reading.decoded = decodePlain("text that is no record", kDigitsSoFar, reading.bytes);
@@ -153,7 +153,7 @@ class Decoder {
     }
     return reading;
   }
-  void print(const Reading& reading, size_t line) const {
+  void print(const Interpretation& reading, size_t line) const {
     if (line != 0) console_.step(fmt::format("line {}", line));
     const bool unsolicited = reading.kind == nameOf(RecordKind::unsolicited);
     console_.record(unsolicited ? "message" : reading.kind, reading.decoded, reading.bytes);
@@ -161,7 +161,7 @@ class Decoder {
       console_.note(fmt::format("taken as {}; it can be {} as well, as which --as {} takes it", reading.kind,
                                 nameOf(*reading.other), nameOf(*reading.other)));
   }
-  static void printObject(const Reading& reading, size_t line) {
+  static void printObject(const Interpretation& reading, size_t line) {
     nlohmann::ordered_json object{{"kind", reading.kind}};
     if (reading.other) object["may_be"] = nameOf(*reading.other);
     if (line != 0) object["line"] = line;

@@ -18,8 +18,6 @@ namespace {
 using handset::Bytes;
 using Given = std::map<std::string_view, std::string_view>;
 
-constexpr size_t kWordSize = 4;  // bytes
-
 /// What a number of this size can be.
 std::pair<int64_t, int64_t> rangeOf(const FieldSpec& field) {
   const auto bits = static_cast<unsigned>(8 * std::min(field.size, kWordSize));

@@ -10,12 +10,6 @@
 
 namespace tools {
 
-namespace {
-
-constexpr size_t kWordSize = 4;  // bytes
-
-}  // namespace
-
 void FieldSplitter::problem(size_t offset, std::string text) {
   if (!into_.problem || offset < into_.problem->offset) into_.problem = {offset, std::move(text)};
 }

@@ -13,8 +13,6 @@ namespace {
 using handset::ByteView;
 using handset::getLe;
 
-constexpr size_t kWordSize = 4;  // bytes
-
 bool isZero(ByteView bytes) {
   return std::all_of(bytes.begin(), bytes.end(), [](uint8_t byte) { return byte == 0; });
 }

@@ -31,6 +31,8 @@ enum class WhenAbsent { refused, zeros, lengthOfRest, leftOut };
 
 /// The one field of a payload that takes what the others leave.
 inline constexpr size_t kRest = SIZE_MAX;
+/// Of the numbers of FieldKind::words, in bytes.
+inline constexpr size_t kWordSize = 4;
 
 struct FieldSpec {
   std::string_view name;

@@ -120,7 +120,7 @@ Deed readProperties(const Json& value, Reading&) {
   };
 }
 
-constexpr StepWord kWords[] = {
+constexpr StepWord kActions[] = {
     {"process", R"("start" | "end" | "restart")",
      "starts it and waits until it serves; closes its request pipe, whereupon it ends", readProcess},
     {"request", R"("NAME ARGUMENT ...")",
@@ -137,7 +137,7 @@ constexpr StepWord kWords[] = {
 }  // namespace
 
 std::span<const StepWord> actionWords() {
-  return kWords;
+  return kActions;
 }
 
 }  // namespace tools

@@ -240,7 +240,7 @@ Deed readDropbox(const Json& value, Reading&) {
   };
 }
 
-constexpr StepWord kWords[] = {
+constexpr StepWord kExpectations[] = {
     {"status", R"("success" | ... | N)", "the answer's status", readStatus},
     {"fields", R"({"NAME": VALUE})", "fields of the answer, written as in a request", readAnswerFields},
     {"bytes", R"("HEX")", "the whole answer", readAnswerBytes},
@@ -260,7 +260,7 @@ constexpr StepWord kWords[] = {
 }  // namespace
 
 std::span<const StepWord> expectationWords() {
-  return kWords;
+  return kExpectations;
 }
 
 }  // namespace tools

@@ -25,7 +25,7 @@ using handset::Bytes;
 using handset::Millis;
 
 constexpr Millis kPatience{2000};
-constexpr Millis kGrace{500};
+constexpr Millis kEndGrace{500};
 constexpr int64_t kWaitDefault = 10;  // seconds
 constexpr int64_t kWaitMax = 3600;
 constexpr size_t kAny = std::numeric_limits<size_t>::max();
@@ -119,7 +119,7 @@ Bytes Shell::ask(handset::ByteView request) {
     }
     if (std::optional<Bytes> answer = process.nextResponse()) return *answer;
   }
-  if (news_.waitForEnd(kGrace)) throw UsageError("so no answer came");
+  if (news_.waitForEnd(kEndGrace)) throw UsageError("so no answer came");
   throw station_.trouble("no answer came");
 }
 
