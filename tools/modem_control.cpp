@@ -25,7 +25,7 @@ constexpr int64_t kUint32Max = std::numeric_limits<uint32_t>::max();
 constexpr int64_t kDelayMax = 60'000;  // milliseconds
 
 constexpr auto kZeros = WhenAbsent::zeros;
-constexpr auto kCount = WhenAbsent::lengthOfRest;
+constexpr auto kRestCount = WhenAbsent::lengthOfRest;
 
 constexpr FieldSpec kValue[] = {{"value", 2, number}};
 constexpr FieldSpec kLteError[] = {{"first_word", 4, hexNumber},
@@ -33,9 +33,9 @@ constexpr FieldSpec kLteError[] = {{"first_word", 4, hexNumber},
                                    {"second_word", 4, hexNumber},
                                    {"block", 103, bytes, kZeros}};
 constexpr FieldSpec kPfp[] = {{"unread", 2, bytes, kZeros}, {"rat", 2, number}, {"tbl_idx", 4, number}};
-constexpr FieldSpec kTuner[] = {{"length", 4, number, kCount}, {"event", 128, bytes}};
+constexpr FieldSpec kTuner[] = {{"length", 4, number, kRestCount}, {"event", 128, bytes}};
 constexpr FieldSpec kCoverage[] = {{"record", 32, bytes}};
-constexpr FieldSpec kUtility[] = {{"type", 4, number}, {"len", 4, number, kCount}, {"data", 512, bytes}};
+constexpr FieldSpec kUtility[] = {{"type", 4, number}, {"len", 4, number, kRestCount}, {"data", 512, bytes}};
 
 constexpr IndicationRow kIndications[] = {
     {kesext::IND_TEST, "test", "a test notification", {}, 0},

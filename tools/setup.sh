@@ -1,30 +1,56 @@
-# Sourced by ./run and ./test: what both need of a fresh machine.
+# Sourced by ./run and ./test: what both need of a fresh machine, and how they build.
 
-packages='g++ cmake ninja-build pkgconf libgtest-dev libgmock-dev libbenchmark-dev libfmt-dev libcli11-dev libedit-dev nlohmann-json3-dev mandoc binutils util-linux'
+process_packages='g++ cmake ninja-build'
+tool_packages='pkgconf libfmt-dev libcli11-dev libedit-dev nlohmann-json3-dev'
+test_packages='libgtest-dev libgmock-dev mandoc binutils util-linux'
 
-# Installs the Debian packages that are missing.
+# install_packages PACKAGE...: installs the Debian packages that are missing.
 install_packages() {
   local missing=() package as_root=()
-  for package in $packages; do
+  for package; do
     dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
   done
   [ ${#missing[@]} -eq 0 ] && return
-  echo "installing: ${missing[*]}"
+  echo "installing ${missing[*]}"
   [ "$(id -u)" -eq 0 ] || as_root=(sudo)
   "${as_root[@]}" apt-get update -qq
   DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# build PRESET [TARGET ...]: configures and builds it, in silence unless something is wrong.
+# Shows how far a build is, on one line of a terminal, else every few seconds. What compilers say comes at the end,
+# without the commands that ran them.
+show_build() {
+  local line next=0 command=false said=''
+  while IFS= read -r line; do
+    case $line in
+      \[*/*\]*)
+        if [ -t 1 ]; then
+          printf '\r\033[K%.*s' "$(($(tput cols) - 1))" "$line"
+        elif ((SECONDS >= next)); then
+          echo "$line"
+          next=$((SECONDS + 5))
+        fi
+        ;;
+      FAILED:*) command=true ;;
+      ninja:* | '-- '*) ;;
+      *) if $command; then command=false; else said+=$line$'\n'; fi ;;
+    esac
+  done
+  [ ! -t 1 ] || printf '\r\033[K'
+  printf '%s' "$said" >&2
+}
+
+# build PRESET [TARGET...]: configures and builds it, and tells how long that took.
 build() {
-  local preset=$1 log
+  local preset=$1 configured started=$SECONDS
   shift
-  log=$(mktemp)
-  if ! { cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
-    cat "$log"
-    rm -f "$log"
-    echo "building the preset $preset failed" >&2
+  if ! configured=$(cmake --preset "$preset" 2>&1); then
+    echo "$configured" >&2
     return 1
   fi
-  rm -f "$log"
+  if ! cmake --build --preset "$preset" ${1:+--target "$@"} 2>&1 | show_build; then
+    echo "building $preset failed" >&2
+    return 1
+  fi
+  echo "built $preset in $((SECONDS - started)) s"
 }
