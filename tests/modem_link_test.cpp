@@ -8,6 +8,7 @@
 
 #include "handset/folder.h"
 #include "handset/modem.h"
+#include "platform/host/indication_queue.h"
 #include "platform/qmi_client.h"
 #include "platform/qmi_services.h"
 
@@ -162,6 +163,23 @@ TEST_F(ModemLinkTest, OneSendersTimeOutDoesNotEndAnothersWait) {
   EXPECT_EQ(Send(kEcho, le32(8), response, 50), -3);
   modem_.respond(modem_.requests().at(0), 0, le32(7));
   EXPECT_EQ(patient.get(), le32(7));
+}
+
+TEST(IndicationQueueTest, WhatABlockedHandlerLeavesNoRoomForIsDroppedWithALogLine) {
+  std::promise<void> go_on;
+  const auto wait = [](qmi_client_type, uint32_t, const uint8_t*, uint32_t, void* data) {
+    static_cast<std::future<void>*>(data)->wait();
+  };
+  std::future<void> gone_on = go_on.get_future();
+  const Bytes body(size_t{60} * 1024);
+  host::IndicationQueue queue;
+  ASSERT_TRUE(queue.start(nullptr, wait, &gone_on));
+  ::testing::internal::CaptureStderr();
+  for (int i = 0; i < 64 * 1024 / 60 + 2; ++i)
+    queue.push(0x000F, body.data(), body.size());
+  go_on.set_value();
+  EXPECT_THAT(::testing::internal::GetCapturedStderr(),
+              ::testing::StartsWith("E QMI-HOST: indication 0xf dropped: too many wait\n"));
 }
 
 }  // namespace

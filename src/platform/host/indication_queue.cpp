@@ -4,11 +4,17 @@
 #include <new>
 #include <utility>
 
+#include "platform/android_log.h"
+
 namespace host {
 namespace {
 
 /// What the waiting indications may take, their records included so that empty ones are bounded too. Bytes.
 constexpr size_t kQueueMemoryMax = size_t{64} * 1024 * 1024;
+
+void logDropped(uint16_t message_id, const char* why) {
+  __android_log_print(ANDROID_LOG_ERROR, "QMI-HOST", "indication 0x%x dropped: %s", message_id, why);
+}
 
 }  // namespace
 
@@ -38,15 +44,14 @@ IndicationQueue::~IndicationQueue() {
 void IndicationQueue::push(uint16_t message_id, const uint8_t* body, size_t size) {
   if (callback_ == nullptr) return;
   std::unique_ptr<Indication> added(new (std::nothrow) Indication);
-  if (added == nullptr) return;
-  added->body.reset(new (std::nothrow) uint8_t[size]);
-  if (added->body == nullptr) return;
+  if (added != nullptr) added->body.reset(new (std::nothrow) uint8_t[size]);
+  if (added == nullptr || added->body == nullptr) return logDropped(message_id, "out of memory");
   memcpy(added->body.get(), body, size);
   added->size = size;
   added->message_id = message_id;
 
   const std::lock_guard lock(mutex_);
-  if (memory_ + sizeof(Indication) + size > kQueueMemoryMax) return;
+  if (memory_ + sizeof(Indication) + size > kQueueMemoryMax) return logDropped(message_id, "too many wait");
   memory_ += sizeof(Indication) + size;
   std::unique_ptr<Indication>& end = first_ == nullptr ? first_ : last_->next;
   last_ = added.get();

@@ -23,7 +23,8 @@ class IndicationQueue {
 
   /// Starts to call `callback`, which gets `handle` and `data`. False when there is no thread to be had.
   bool start(qmi_client_type handle, qmi_client_ind_cb callback, void* data);
-  /// Adds an indication; dropped when the queue is full, has not started, or memory is short.
+  /// Adds an indication. Dropped when the queue has not started, and with a log line when it is full or
+  /// memory is short.
   void push(uint16_t message_id, const uint8_t* body, size_t size);
   /// Whether the caller runs inside a callback of this queue.
   [[nodiscard]] bool isInCallback() const { return thread_.isCurrent(); }
