@@ -14,18 +14,19 @@ install_packages() {
   echo "installing ${missing[*]}"
   [ "$(id -u)" -eq 0 ] || as_root=(sudo)
   "${as_root[@]}" apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
 # Shows how far a build is, on one line of a terminal, else every few seconds. What compilers say comes at the end,
 # without the commands that ran them.
 show_build() {
-  local line next=0 command=false said=''
+  local line next=0 command=false said='' width=79
+  [ ! -t 1 ] || width=$(($(tput cols 2>/dev/null || echo 80) - 1))
   while IFS= read -r line; do
     case $line in
       \[*/*\]*)
         if [ -t 1 ]; then
-          printf '\r\033[K%.*s' "$(($(tput cols) - 1))" "$line"
+          printf '\r\033[K%.*s' $width "$line"
         elif ((SECONDS >= next)); then
           echo "$line"
           next=$((SECONDS + 5))
