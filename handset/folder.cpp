@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -40,7 +40,9 @@ std::optional<std::string> readWhole(const fs::path& path) {
   if (!fs::is_regular_file(path, error)) return std::nullopt;
   std::ifstream file(path, std::ios::binary);
   if (!file) return std::nullopt;
-  return std::string(std::istreambuf_iterator<char>(file), {});
+  std::ostringstream text;
+  text << file.rdbuf();
+  return std::move(text).str();
 }
 
 // Other processes rename and remove files meanwhile, so what is gone by the time it is looked at is left out.
