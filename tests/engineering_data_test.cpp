@@ -75,19 +75,14 @@ TEST_F(EngineeringDataTest, AProtocolRevisionAboveFiveSetsItsFlag) {
 }
 
 TEST_F(EngineeringDataTest, ShortOddAndMixedTextDecodesAsFarAsItGoes) {
-  std::vector<uint32_t> words(78);
-  const auto fer_of = [&](const std::string& text) {
+  const std::pair<const char*, uint32_t> cases[] = {
+      {"01000000", 1}, {"", 0}, {"aBCdfF", 0xFFCDAB}, {"012", 0x2001}, {"x1", 1}};
+  for (const auto& [text, fer] : cases) {
+    std::vector<uint32_t> words(78);
+    words[0] = fer;
     ModemSays(text);
-    std::vector<uint32_t> report = Report(kCp);
-    const uint32_t fer = report[0];
-    report[0] = 0;
-    EXPECT_EQ(report, words);
-    return fer;
-  };
-  EXPECT_EQ(fer_of("01000000"), 1U);
-  EXPECT_EQ(fer_of(""), 0U);
-  EXPECT_EQ(fer_of("aBCdfF"), 0xFFCDABU);
-  EXPECT_EQ(fer_of("012"), 0x2001U) << "the last byte has its high nibble only";
+    EXPECT_EQ(Report(kCp), words) << text;
+  }
 }
 
 TEST_F(EngineeringDataTest, AnInvalidCharacterRepeatsTheLastNibble) {
@@ -101,8 +96,6 @@ TEST_F(EngineeringDataTest, AnInvalidCharacterRepeatsTheLastNibble) {
     EXPECT_EQ(Report(kCp)[0], 0x11U);
     EXPECT_THAT(HandlerLogs(), Contains(E(invalid + std::to_string(text[1]) + " 1")));
   }
-  ModemSays("x1");
-  EXPECT_EQ(Report(kCp)[0], 1U);
 }
 
 TEST_F(EngineeringDataTest, TextBeyondTheRecordIsDumpedButNotDecoded) {
@@ -122,14 +115,10 @@ TEST_F(EngineeringDataTest, TextBeyondTheRecordIsDumpedButNotDecoded) {
 
 TEST_F(EngineeringDataTest, AModemFailureIsAReportOfZeros) {
   ModemSays("FF", 2, 3, 9);
-  EXPECT_EQ(Report(kCp), std::vector<uint32_t>(78));
-  EXPECT_THAT(HandlerLogs(),
-              Contains(E("kes_qmi_sprint_get_engineering_info: Get Engineer info failed (3).")));
-  EXPECT_THAT(HandlerLogs(), Contains(E("HexDump: Data ")));
+  Record("refused", cdmaRequest(kCp), {"kes_qmi_sprint_get_engineering_info", "HexDump"});
   modem_.fail(Service::vendor, kEngineeringInfo, 77);
-  EXPECT_EQ(Report(kEvdo), std::vector<uint32_t>(36));
-  EXPECT_THAT(HandlerLogs(),
-              Contains(E("kes_qmi_sprint_get_engineering_info: qmi_client_send_msg_sync failed (77).")));
+  Record("not sent", cdmaRequest(kEvdo), {"kes_qmi_sprint_get_engineering_info", "HexDump"});
+  ExpectGolden(record_, "engineering_failures");
 }
 
 }  // namespace

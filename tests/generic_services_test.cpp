@@ -6,7 +6,6 @@
 namespace kesext_test {
 namespace {
 
-using ::testing::Contains;
 using ::testing::ElementsAre;
 
 constexpr uint16_t kUtility = 0x000F;
@@ -14,6 +13,7 @@ constexpr uint16_t kTuner = 0x0110;
 constexpr uint16_t kDataPlmn = 0x0016;
 constexpr uint16_t kPfp = 0x000A;
 constexpr uint16_t kPlmnName = 0x0044;
+constexpr uint16_t kCoverage = 0x010C;
 
 /// The modem's utility records.
 Bytes utilityRequest(uint32_t type, uint32_t len, const Bytes& data) {
@@ -36,13 +36,6 @@ Bytes plmnName(uint8_t valid, uint32_t encoding, uint16_t length, const Bytes& n
 
 class GenericServicesTest : public ServingTest {
  protected:
-  /// The handler's lines of a generic request.
-  std::vector<std::string> GenericLogs() {
-    std::vector<std::string> lines = LogsOfLastRequest();
-    EXPECT_GE(lines.size(), 4U);
-    lines.erase(lines.begin(), lines.begin() + 4);
-    return lines;
-  }
   Bytes LastSent() { return modem_.requests().back().body; }
 };
 
@@ -51,47 +44,39 @@ TEST_F(GenericServicesTest, EveryServiceAnswersSuccessAndFailedSend) {
   struct Case {
     const char* name;
     Bytes request;
-    Service service;
     uint16_t message;
-    Bytes sent;
     Bytes response;
   };
-  const auto vendor = Service::vendor;
   Bytes record = utilityRequest(77, 3, hex("F1 02 03"));
   record[263] = 0xF2;
   const Case cases[] = {
-      {"name", genericRequest(0x0A0006, hex("36 01 E7 03")), Service::nas, kPlmnName,
-       sized(hex("36 01 E7 03 01 01 00 00 00 00 01 01"), 32), plmnName(1, 0, 4, handset::bytesOf("Test"))},
-      {"antenna tuning", genericRequest(0x05002A, hex("01 02")), vendor, kTuner,
-       sized(concat(le32(2), hex("01 02")), 32), sized(concat(le32(3), hex("0A FF 0C EE")), 32)},
-      {"utility record", cdmaRequest(0x0200001E, record), vendor, kUtility, record,
-       utilityResponse(10, pattern(12))},
-      {"filter", genericRequest(0x0205001E, hex("F1 02")), vendor, kUtility, utilityRequest(5, 1, hex("F1")),
+      {"name", genericRequest(0x0A0006, hex("36 01 E7 03")), kPlmnName,
+       plmnName(1, 0, 4, handset::bytesOf("Test"))},
+      {"antenna tuning", genericRequest(0x05002A, hex("01 02")), kTuner,
+       sized(concat(le32(3), hex("0A FF 0C EE")), 32)},
+      {"utility record", cdmaRequest(0x0200001E, record), kUtility, utilityResponse(10, pattern(12))},
+      {"utility record of no data", cdmaRequest(0x0200001E, utilityRequest(1, 0, hex("01"))), kUtility, {}},
+      {"filter", genericRequest(0x0205001E, hex("F1 02")), kUtility, utilityResponse(0, {})},
+      {"PFP", cdmaRequest(0x0200001C, hex("FF")), kPfp, sized(hex("02 81"), 12)},
+      {"coverage", genericRequest(0x050020, hex("61 62 63 00")), kUtility, utilityResponse(0, {})},
+      {"coverage that does not end", genericRequest(0x050020, hex("61 62 63 64")), kUtility,
        utilityResponse(0, {})},
-      {"PFP", cdmaRequest(0x0200001C, hex("FF")), vendor, kPfp, le32(0), sized(hex("02 81"), 12)},
-      {"coverage", genericRequest(0x050020, hex("61 62 63 00")), vendor, kUtility,
-       utilityRequest(6, 5, hex("00 61 62 63 00")), utilityResponse(0, {})},
-      {"coverage with a selector", genericRequest(0x050029, hex("F7 41 00")), vendor, kUtility,
-       utilityRequest(6, 4, hex("F7 F7 41 00")), utilityResponse(0, {})},
-      {"silent reboot", genericRequest(0x050019, hex("01")), vendor, kUtility, utilityRequest(3, 0, {}),
-       utilityResponse(2, hex("00 F1 EE"))},
-      {"data PLMN", genericRequest(0x060001), vendor, kDataPlmn, le32(0), pattern(568)},
+      {"coverage of no text", genericRequest(0x050020), kUtility, utilityResponse(0, {})},
+      {"coverage with a selector", genericRequest(0x050029, hex("F7 41 00")), kUtility,
+       utilityResponse(0, {})},
+      {"silent reboot", genericRequest(0x050019, hex("01")), kUtility, utilityResponse(2, hex("00 F1 EE"))},
+      {"silent reboot without data", genericRequest(0x050019), kUtility, utilityResponse(0, hex("07"))},
+      {"data PLMN", genericRequest(0x060001), kDataPlmn, pattern(568)},
   };
-  std::vector<std::string> log;
-  const auto ask = [&](const Case& c, const char* reaction) {
-    const Bytes answer = Ask(c.request);
-    EXPECT_EQ(LastSent(), c.sent) << c.name;
-    log.push_back(std::string("# ") + c.name + ", " + reaction + ": " + handset::toHex(answer));
-    for (const std::string& line : LogsOfLastRequest())
-      log.push_back(line);
-  };
+  const std::vector<std::string> all_lines = {"RIL-KESEXT"};
   for (const Case& c : cases) {
-    modem_.answer(c.service, c.message, c.response);
-    ask(c, "success");
-    modem_.fail(c.service, c.message, 77);
-    ask(c, "failed send");
+    const Service service = c.message == kPlmnName ? Service::nas : Service::vendor;
+    modem_.answer(service, c.message, c.response);
+    Record(std::string(c.name) + ", success", c.request, all_lines);
+    modem_.fail(service, c.message, 77);
+    Record(std::string(c.name) + ", failed send", c.request, all_lines);
   }
-  ExpectGolden(log, "generic_services");
+  ExpectGolden(record_, "generic_services");
 }
 
 class PlmnNameTest : public GenericServicesTest {
@@ -100,15 +85,8 @@ class PlmnNameTest : public GenericServicesTest {
   void ModemNames(uint8_t valid, uint32_t encoding, uint16_t length, const Bytes& name) {
     modem_.answer(Service::nas, kPlmnName, plmnName(valid, encoding, length, name));
   }
-  Bytes AskName() { return Ask(genericRequest(kId, hex("36 01 E7 03"))); }
-  const Bytes failure_ = genericReply(kId, hex("05"));
+  const Bytes request_ = genericRequest(kId, hex("36 01 E7 03"));
 };
-
-TEST_F(PlmnNameTest, TheShortNameIsAnsweredInUtf8) {
-  ModemNames(1, 0, 4, hex("10 1B 0D 80"));
-  EXPECT_EQ(AskName(), genericReply(kId, hex("CE 94 20 80")));
-  EXPECT_THAT(GenericLogs(), Contains(D("ignored CR charecter at index = 2")));
-}
 
 TEST_F(PlmnNameTest, ALongNameIsCutTo255Characters) {
   for (const uint16_t length : {uint16_t{256}, uint16_t{0xFFFF}}) {
@@ -116,26 +94,26 @@ TEST_F(PlmnNameTest, ALongNameIsCutTo255Characters) {
     Bytes text;
     for (int i = 0; i < 255; ++i)
       text = concat(text, hex("CE 94"));
-    EXPECT_EQ(AskName(), genericReply(kId, text));
+    EXPECT_EQ(Ask(request_), genericReply(kId, text));
   }
 }
 
-TEST_F(PlmnNameTest, WithoutANameTheFailureByteIsAnswered) {
+TEST_F(PlmnNameTest, AShortNameIsAnsweredInUtf8AndWithoutANameTheFailureByte) {
   struct Case {
+    const char* title;
     uint8_t valid;
     uint32_t encoding;
-    Bytes name;
-    const char* log;
+    const char* name;
   };
-  const char* invalid = " plmn_resp.eons_plmn_name_3gpp_valid is FALSE!";
-  const char* empty = "Invalid or Empty string received from modem";
-  for (const Case& c :
-       {Case{0, 0, hex("41"), invalid}, Case{2, 0, hex("41"), invalid}, Case{1, 1, hex("41"), invalid},
-        Case{1, 0x100, hex("41"), invalid}, Case{1, 0, {}, empty}, Case{1, 0, hex("0D"), empty}}) {
-    ModemNames(c.valid, c.encoding, static_cast<uint16_t>(c.name.size()), c.name);
-    EXPECT_EQ(AskName(), failure_);
-    EXPECT_THAT(GenericLogs(), Contains(E(c.log)));
+  for (const Case& c : {Case{"short name", 1, 0, "10 1B 0D 80"}, Case{"no valid name", 0, 0, "41"},
+                        Case{"another sign of validity", 2, 0, "41"}, Case{"another encoding", 1, 1, "41"},
+                        Case{"an encoding of four bytes", 1, 0x100, "41"}, Case{"an empty name", 1, 0, ""},
+                        Case{"a name of nothing that is shown", 1, 0, "0D"}}) {
+    const Bytes name = hex(c.name);
+    ModemNames(c.valid, c.encoding, static_cast<uint16_t>(name.size()), name);
+    Record(c.title, request_, {"charecter", "FALSE", "Invalid"});
   }
+  ExpectGolden(record_, "plmn_names");
 }
 
 class AntennaTuningTest : public GenericServicesTest {
@@ -154,7 +132,7 @@ TEST_F(AntennaTuningTest, LengthsAreBounded) {
   for (const uint32_t length : {28U, 29U, 0xFFFFFFFFU}) {
     modem_.answer(Service::vendor, kTuner, concat(le32(length), pattern(28)));
     EXPECT_EQ(Ask(genericRequest(kId)), genericReply(kId, pattern(28)));
-    EXPECT_EQ(GenericLogs().back(), E("kesext_hook_set_antenna_tuning sending response, msgLen 0x1c."));
+    EXPECT_EQ(HandlerLogs().back(), E("kesext_hook_set_antenna_tuning sending response, msgLen 0x1c."));
   }
   modem_.answer(Service::vendor, kTuner, Bytes(32));
   EXPECT_EQ(Ask(genericRequest(kId)), genericReply(kId, {}));
@@ -189,84 +167,40 @@ TEST_F(AntennaTuningTest, AnEventOfAnotherSizeIsDumpedByteByByte) {
   ExpectNothingForwarded();
 }
 
-class UtilityRequestsTest : public GenericServicesTest {
- protected:
-  static constexpr uint32_t kUtils = 0x0200001E;
-};
-
-TEST_F(UtilityRequestsTest, AnEmptyRecordIsNotSent) {
-  EXPECT_EQ(Ask(cdmaRequest(kUtils, utilityRequest(1, 0, hex("01")))), cdmaResponse(kUtils, 0));
-  EXPECT_EQ(modem_.requestCount(), 0U);
-  EXPECT_EQ(HandlerLogs().front(), E("UTILS: Sending request result is -1"));
-}
-
-TEST_F(UtilityRequestsTest, AResponseLengthIsBoundedTo512) {
+TEST_F(GenericServicesTest, AUtilityResponseIsBoundedTo512) {
   for (const uint32_t length : {512U, 513U, 0xFFFFFFFFU}) {
     modem_.answer(Service::vendor, kUtility, utilityResponse(length, pattern(512)));
-    EXPECT_EQ(Ask(cdmaRequest(kUtils, utilityRequest(1, 1, {}))), cdmaResponse(kUtils, 0, pattern(512)));
+    EXPECT_EQ(Ask(cdmaRequest(0x0200001E, utilityRequest(1, 1, {}))),
+              cdmaResponse(0x0200001E, 0, pattern(512)));
     EXPECT_EQ(HandlerLogs().back(), E("handleUtilsResponse for id 200001e, dataSize-512, respSize-512"));
     EXPECT_EQ(Ask(genericRequest(0x050019)), genericReply(0x050019, pattern(512)));
   }
 }
 
-class PfpTest : public GenericServicesTest {};
-
-TEST_F(PfpTest, TheIndicationIsForwardedWhole) {
-  const Bytes record = concat(hex("EE EE 02 81 03 00 00 80"), pattern(224));
-  modem_.indicate(kPfp, record);
-  EXPECT_EQ(NextUnsolicited(), handset::cdmaUnsolicited(0x0200001D, record));
-  ExpectLine("mypfp_ind_msg_v01: rat = 33026 , tbl_idx = -2147483645 data_size = 232 ");
-  modem_.indicate(kPfp, Bytes(231));
-  ExpectLine("failed to decode pfp idl data");
-  ExpectNothingForwarded();
-}
-
-class CoverageTest : public GenericServicesTest {
- protected:
-  static constexpr uint32_t kZero = 0x050020;
-  static constexpr const char* kWarning = "sig_cov warning: no NULL found at the end of string";
-};
-
-TEST_F(CoverageTest, ATextWithoutAZeroGetsOne) {
-  Ask(genericRequest(kZero, hex("61 62 63 64")));
-  EXPECT_EQ(LastSent(), utilityRequest(6, 5, hex("00 61 62 63 00")));
-  EXPECT_THAT(GenericLogs(), Contains(E(kWarning)));
-}
-
-TEST_F(CoverageTest, TheTextIsBoundedTo255Bytes) {
-  Ask(genericRequest(kZero));
-  EXPECT_EQ(LastSent(), utilityRequest(6, 1, {}));
+TEST_F(GenericServicesTest, ACoverageTextIsBoundedTo255Bytes) {
   Bytes text = pattern(300);
   text[254] = 0x55;
   for (const char* length : {"00 00 00 FF", "00 00 03 E8", "FF FF FF FF"}) {
     Ask(concat(hex("00 05 00 20"), hex(length), text));
     EXPECT_EQ(LastSent(),
               utilityRequest(6, 256, concat(hex("00"), handset::ByteView(text).first(254), hex("00"))));
-    EXPECT_THAT(GenericLogs(), Contains(E(kWarning)));
   }
 }
 
-TEST_F(CoverageTest, TheIndicationIsForwardedWhole) {
-  modem_.indicate(0x010C, pattern(32));
+TEST_F(GenericServicesTest, IndicationsOfTheirSizeAreForwardedWhole) {
+  const Bytes record = concat(hex("EE EE 02 81 03 00 00 80"), pattern(224));
+  modem_.indicate(kPfp, record);
+  EXPECT_EQ(NextUnsolicited(), handset::cdmaUnsolicited(0x0200001D, record));
+  ExpectLine("mypfp_ind_msg_v01: rat = 33026 , tbl_idx = -2147483645 data_size = 232 ");
+  modem_.indicate(kPfp, Bytes(231));
+  ExpectLine("failed to decode pfp idl data");
+  modem_.indicate(kCoverage, pattern(32));
   EXPECT_EQ(NextUnsolicited(), concat(hex("01000000 08000000 01 030004 20000000"), pattern(32), Bytes(12)));
-  modem_.indicate(0x010C, pattern(33));
+  modem_.indicate(kCoverage, pattern(33));
   ExpectLine("sigcovIndHndlr: failed to decode ind data");
-  ExpectNothingForwarded();
-}
-
-class SilentRebootTest : public GenericServicesTest {};
-
-TEST_F(SilentRebootTest, AnAnswerWithoutDataHasTheValue0) {
-  modem_.answer(Service::vendor, kUtility, utilityResponse(0, hex("07")));
-  EXPECT_EQ(Ask(genericRequest(0x050019)), genericReply(0x050019, {}));
-  EXPECT_EQ(GenericLogs().back(), E("handleSilentRebootResponse , msgLen 0x0, resp value 0."));
-}
-
-class DataPlmnTest : public GenericServicesTest {};
-
-TEST_F(DataPlmnTest, TheIndicationIsAMessageWithoutPayload) {
   modem_.indicate(kDataPlmn, hex("01 02 03"));
   EXPECT_EQ(NextUnsolicited(), hex("01000000 08000000 00 020006 00000000 000000000000000000000000"));
+  ExpectNothingForwarded();
 }
 
 }  // namespace

@@ -13,6 +13,14 @@ namespace {
 
 constexpr std::string_view kWaiting = "Child process waiting for data";
 
+/// "SIZE bytes", and the bytes without the zeros at their end.
+std::string brief(Bytes bytes) {
+  const std::string size = std::to_string(bytes.size()) + " bytes ";
+  while (!bytes.empty() && bytes.back() == 0)
+    bytes.pop_back();
+  return size + handset::toHex(bytes, "");
+}
+
 }  // namespace
 
 void ExpectGolden(const std::vector<std::string>& lines, const std::string& name) {
@@ -83,7 +91,8 @@ std::vector<std::string> HookProcessTest::HandlerLogs() {
   std::vector<std::string> lines;
   for (const std::string& line : LogsOfLastRequest()) {
     if (line == E("kesext_hook_sprint_handler: ENTER ") ||
-        line.ends_with(" not supported by Sprint handler.")) {
+        line.ends_with(" not supported by Sprint handler.") ||
+        line.starts_with(D("handle generic request, "))) {
       lines.clear();
     } else if (!line.starts_with(E("kesext_hook_sprint_send_response: ")) &&
                !line.ends_with(" is handled by Sprint handler.")) {
@@ -91,6 +100,19 @@ std::vector<std::string> HookProcessTest::HandlerLogs() {
     }
   }
   return lines;
+}
+
+void HookProcessTest::Record(const std::string& title, const Bytes& request,
+                             const std::vector<std::string>& only) {
+  modem_.clearRequests();
+  record_.push_back("# " + title + ": " + brief(Ask(request)));
+  for (const handset::Received& sent : modem_.requests())
+    record_.push_back("> " + std::string(handset::serviceName(sent.service)) + " " +
+                      handset::toHex(handset::be32(sent.id), "").substr(4) + ": " + brief(sent.body));
+  for (const std::string& line : only.empty() ? HandlerLogs() : LogsOfLastRequest()) {
+    const auto has = [&line](const std::string& text) { return line.find(text) != std::string::npos; };
+    if (only.empty() || std::any_of(only.begin(), only.end(), has)) record_.push_back(line);
+  }
 }
 
 bool HookProcessTest::Logs(std::string_view text) {

@@ -60,6 +60,9 @@ class HookProcessTest : public ::testing::Test {
   /// The handler's part of that: without the lines of the dispatchers in front and behind, and those of the
   /// carrier's response builder.
   std::vector<std::string> HandlerLogs();
+  /// Asks, and adds to the record a title with the answer, what the modem was sent, and the handler's lines;
+  /// in their place, if given, all lines that have one of these texts.
+  void Record(const std::string& title, const Bytes& request, const std::vector<std::string>& only = {});
   /// Whether a line with this text appeared since the fixture started, waiting for it if need be.
   bool Logs(std::string_view text);
   /// The next unsolicited message; empty when there was none.
@@ -73,6 +76,7 @@ class HookProcessTest : public ::testing::Test {
   handset::Modem modem_;
   std::unique_ptr<handset::Parent> parent_;
   size_t asked_at_ = 0;
+  std::vector<std::string> record_;
 };
 
 /// The process serves requests when a case begins.
