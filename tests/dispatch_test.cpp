@@ -15,36 +15,14 @@ using ::testing::ElementsAre;
 
 using DispatchTest = ServingTest;
 
-TEST_F(DispatchTest, UnknownCdmaIdIsOfferedToTheCarrierThenAnsweredWithStatus6) {
-  EXPECT_EQ(Ask(cdmaRequest(0x02000099)),
-            hex("99 00 00 02  00 00 00 00  06 00 00 00  00 00 00 00 00 00 00 00"));
-  EXPECT_THAT(LogsOfLastRequest(),
-              ElementsAre(E("Read 18 bytes from pipe"), E("msg Id is 0x2000099, type is 0. "),
-                          E("Received CDMA Hook request 0x2000099"), E("kesext_hook_sprint_handler: ENTER "),
-                          E("kesext_hook_sprint_handler: Unexpected MSG ID: 33554585"),
-                          E("0x2000099 not supported by Sprint handler."), E("0x2000099 not supported")));
-}
-
-TEST_F(DispatchTest, UnknownGenericIdIsAnsweredWithTheErrorReply) {
-  EXPECT_EQ(Ask(hex("01 05 00 77  00 00 01 02")), hex("01 05 00 77  FF FF FF FF"));
-  EXPECT_THAT(LogsOfLastRequest(),
-              ElementsAre(E("Read 8 bytes from pipe"), E("msg Id is 0x50077, type is 1. "),
-                          E("Received Generic Hook request 0x50077"),
-                          D("handle generic request, msgID 0x50077. msgLen 258, msgType 1"),
-                          E("0x50077 not supported")));
-}
-
-TEST_F(DispatchTest, UnusableRequestsAreAnsweredWithTheErrorReply) {
-  EXPECT_EQ(Ask(hex("AA BB CC DD EE")), hex("AA BB CC DD FF FF FF FF"));
-  EXPECT_THAT(LogsOfLastRequest(),
-              ElementsAre(E("Read 5 bytes from pipe"), E("getOemHook: NULL DATA or check size"),
-                          E("msg Id is 0xffffffff, type is 0. "), E("Wrong msg Id")));
-  EXPECT_EQ(Ask(hex("16 00 00 02 00 00 00")), hex("16 00 00 02 FF FF FF FF")) << "7 bytes are too few";
-  EXPECT_EQ(Ask(hex("09")), hex("09 00 00 00 FF FF FF FF")) << "the rest of the buffer is zero";
-  EXPECT_EQ(Ask(hex("03 05 00 19 00 00 00 00")), hex("03 05 00 19 FF FF FF FF"));
-  EXPECT_THAT(LogsOfLastRequest(),
-              ElementsAre(E("Read 8 bytes from pipe"), E("getOemHook: UNABLE TO IDENTIFY OEM_HOOK REQUEST!"),
-                          E("msg Id is 0xffffffff, type is 0. "), E("Wrong msg Id")));
+TEST_F(DispatchTest, WhatNothingServesIsAnsweredWithStatus6OrTheErrorReply) {
+  Record("unknown to the carrier and here", cdmaRequest(0x02000099), kAllLines);
+  Record("unknown generic id", hex("01 05 00 77  00 00 01 02"), kAllLines);
+  Record("neither form", hex("03 05 00 19 00 00 00 00"), kAllLines);
+  Record("5 bytes", hex("AA BB CC DD EE"), kAllLines);
+  Record("7 bytes are too few", hex("16 00 00 02 00 00 00"), kAllLines);
+  Record("the rest of the buffer is zero", hex("09"), kAllLines);
+  ExpectGolden(record_, "dispatch_unserved");
 }
 
 TEST_F(DispatchTest, TheCdmaPatternWinsOverTheGenericHeader) {

@@ -68,13 +68,12 @@ TEST_F(GenericServicesTest, EveryServiceAnswersSuccessAndFailedSend) {
       {"silent reboot without data", genericRequest(0x050019), kUtility, utilityResponse(0, hex("07"))},
       {"data PLMN", genericRequest(0x060001), kDataPlmn, pattern(568)},
   };
-  const std::vector<std::string> all_lines = {"RIL-KESEXT"};
   for (const Case& c : cases) {
     const Service service = c.message == kPlmnName ? Service::nas : Service::vendor;
     modem_.answer(service, c.message, c.response);
-    Record(std::string(c.name) + ", success", c.request, all_lines);
+    Record(std::string(c.name) + ", success", c.request, kAllLines);
     modem_.fail(service, c.message, 77);
-    Record(std::string(c.name) + ", failed send", c.request, all_lines);
+    Record(std::string(c.name) + ", failed send", c.request, kAllLines);
   }
   ExpectGolden(record_, "generic_services");
 }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 
 namespace kesext_test {
@@ -22,14 +21,6 @@ std::string brief(Bytes bytes) {
 }
 
 }  // namespace
-
-void ExpectGolden(const std::vector<std::string>& lines, const std::string& name) {
-  std::ifstream file(KESEXT_GOLDEN "/" + name + ".log");
-  std::vector<std::string> expected;
-  for (std::string line; std::getline(file, line);)
-    expected.push_back(line);
-  EXPECT_THAT(lines, ::testing::ElementsAreArray(expected));
-}
 
 Bytes sized(Bytes bytes, size_t size) {
   bytes.resize(size);
@@ -66,6 +57,12 @@ void HookProcessTest::Launch(std::vector<std::string> arguments) {
 void HookProcessTest::Launch(int instance_id) {
   parent_ = std::make_unique<handset::Parent>(handset::ParentOptions{
       .executable = KESEXT_BINARY, .handset_root = folder_.root(), .instance_id = instance_id});
+}
+
+void HookProcessTest::LaunchFromShell(const std::string& script) {
+  handset::ParentOptions options{.executable = "/bin/bash", .handset_root = folder_.root()};
+  options.arguments = {"-c", script, KESEXT_BINARY, "3", "4", "5", "0"};
+  parent_ = std::make_unique<handset::Parent>(std::move(options));
 }
 
 void HookProcessTest::Start(int instance_id) {
@@ -106,13 +103,17 @@ void HookProcessTest::Record(const std::string& title, const Bytes& request,
                              const std::vector<std::string>& only) {
   modem_.clearRequests();
   record_.push_back("# " + title + ": " + brief(Ask(request)));
-  for (const handset::Received& sent : modem_.requests())
-    record_.push_back("> " + std::string(handset::serviceName(sent.service)) + " " +
-                      handset::toHex(handset::be32(sent.id), "").substr(4) + ": " + brief(sent.body));
+  RecordSent();
   for (const std::string& line : only.empty() ? HandlerLogs() : LogsOfLastRequest()) {
     const auto has = [&line](const std::string& text) { return line.find(text) != std::string::npos; };
     if (only.empty() || std::any_of(only.begin(), only.end(), has)) record_.push_back(line);
   }
+}
+
+void HookProcessTest::RecordSent() {
+  for (const handset::Received& sent : modem_.requests())
+    record_.push_back("> " + std::string(handset::serviceName(sent.service)) + " " +
+                      handset::toHex(handset::be32(sent.id), "").substr(4) + ": " + brief(sent.body));
 }
 
 bool HookProcessTest::Logs(std::string_view text) {

@@ -13,6 +13,7 @@
 #include "handset/hook_records.h"
 #include "handset/modem.h"
 #include "handset/parent.h"
+#include "support/golden.h"
 
 namespace kesext_test {
 
@@ -32,8 +33,8 @@ using handset::Service;
 inline constexpr uint16_t kRdeReadId = 0x0008;
 inline constexpr uint16_t kRdeWriteId = 0x0009;
 
-/// Holds log lines against those of tests/golden/NAME.log.
-void ExpectGolden(const std::vector<std::string>& lines, const std::string& name);
+/// What every line has, where all of them are to be recorded.
+inline const std::vector<std::string> kAllLines = {"RIL-KESEXT: "};
 
 /// The bytes, cut or filled up with zeros.
 Bytes sized(Bytes bytes, size_t size);
@@ -51,6 +52,8 @@ class HookProcessTest : public ::testing::Test {
   /// Starts the process with a command line of its own, without waiting for anything.
   void Launch(std::vector<std::string> arguments);
   void Launch(int instance_id = 0);
+  /// Starts it from a script of the shell, as "$0" with the arguments of instance 0 in "$@".
+  void LaunchFromShell(const std::string& script);
 
   /// Sends a request and takes its answer; empty when there was none.
   Bytes Ask(const Bytes& request);
@@ -63,6 +66,8 @@ class HookProcessTest : public ::testing::Test {
   /// Asks, and adds to the record a title with the answer, what the modem was sent, and the handler's lines;
   /// in their place, if given, all lines that have one of these texts.
   void Record(const std::string& title, const Bytes& request, const std::vector<std::string>& only = {});
+  /// Adds to the record what the modem was sent since its requests were cleared.
+  void RecordSent();
   /// Whether a line with this text appeared since the fixture started, waiting for it if need be.
   bool Logs(std::string_view text);
   /// The next unsolicited message; empty when there was none.
