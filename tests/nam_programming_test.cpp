@@ -132,7 +132,8 @@ TEST_F(NamProgrammingTest, ValuesAreCutAndOddOnesConverted) {
 TEST_F(NamProgrammingTest, AnotherCodeOfDigitsIsChangedAfterTheItems) {
   kesext::NamInfo info = handset::exampleNam();
   put(info.newSpc, "000001");
-  const std::vector<std::string> only = {"SPC", "Spc", "spc", "COMPLETE", "ERROR FOUND"};
+  const std::vector<std::string> only = {"> dms",         "Spc",      "write_spc",
+                                         "Write success", "COMPLETE", "ERROR FOUND"};
   Record("changed", WriteRequest(info), only);
   modem_.answer(Service::dms, 0x0052, concat(le32(1), le32(12)));
   Record("refused", WriteRequest(info), only);

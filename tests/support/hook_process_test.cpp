@@ -20,6 +20,11 @@ std::string brief(Bytes bytes) {
   return size + handset::toHex(bytes, "");
 }
 
+bool isWanted(const std::string& line, const std::vector<std::string>& only) {
+  const auto has = [&line](const std::string& text) { return line.find(text) != std::string::npos; };
+  return only.empty() || std::any_of(only.begin(), only.end(), has);
+}
+
 }  // namespace
 
 Bytes sized(Bytes bytes, size_t size) {
@@ -103,17 +108,18 @@ void HookProcessTest::Record(const std::string& title, const Bytes& request,
                              const std::vector<std::string>& only) {
   modem_.clearRequests();
   record_.push_back("# " + title + ": " + brief(Ask(request)));
-  RecordSent();
-  for (const std::string& line : only.empty() ? HandlerLogs() : LogsOfLastRequest()) {
-    const auto has = [&line](const std::string& text) { return line.find(text) != std::string::npos; };
-    if (only.empty() || std::any_of(only.begin(), only.end(), has)) record_.push_back(line);
-  }
+  RecordSent(only);
+  for (const std::string& line : only.empty() ? HandlerLogs() : LogsOfLastRequest())
+    if (isWanted(line, only)) record_.push_back(line);
 }
 
-void HookProcessTest::RecordSent() {
-  for (const handset::Received& sent : modem_.requests())
-    record_.push_back("> " + std::string(handset::serviceName(sent.service)) + " " +
-                      handset::toHex(handset::be32(sent.id), "").substr(4) + ": " + brief(sent.body));
+void HookProcessTest::RecordSent(const std::vector<std::string>& only) {
+  for (const handset::Received& sent : modem_.requests()) {
+    const std::string id = handset::toHex(handset::be32(sent.id), "").substr(4);
+    const std::string line =
+        "> " + std::string(handset::serviceName(sent.service)) + " " + id + ": " + brief(sent.body);
+    if (isWanted(line, only)) record_.push_back(line);
+  }
 }
 
 bool HookProcessTest::Logs(std::string_view text) {

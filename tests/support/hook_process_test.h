@@ -33,8 +33,8 @@ using handset::Service;
 inline constexpr uint16_t kRdeReadId = 0x0008;
 inline constexpr uint16_t kRdeWriteId = 0x0009;
 
-/// What every line has, where all of them are to be recorded.
-inline const std::vector<std::string> kAllLines = {"RIL-KESEXT: "};
+/// What every line of a record has.
+inline const std::vector<std::string> kAllLines = {"> ", "RIL-KESEXT: "};
 
 /// The bytes, cut or filled up with zeros.
 Bytes sized(Bytes bytes, size_t size);
@@ -63,11 +63,11 @@ class HookProcessTest : public ::testing::Test {
   /// The handler's part of that: without the lines of the dispatchers in front and behind, and those of the
   /// carrier's response builder.
   std::vector<std::string> HandlerLogs();
-  /// Asks, and adds to the record a title with the answer, what the modem was sent, and the handler's lines;
-  /// in their place, if given, all lines that have one of these texts.
+  /// Asks, and adds to the record a title with the answer, then what the modem was sent and the handler's
+  /// lines; in place of both, if given, what has one of these texts of all that was sent and logged.
   void Record(const std::string& title, const Bytes& request, const std::vector<std::string>& only = {});
-  /// Adds to the record what the modem was sent since its requests were cleared.
-  void RecordSent();
+  /// Adds to the record what the modem was sent since its requests were cleared, or what of it has a text.
+  void RecordSent(const std::vector<std::string>& only = {});
   /// Whether a line with this text appeared since the fixture started, waiting for it if need be.
   bool Logs(std::string_view text);
   /// The next unsolicited message; empty when there was none.
