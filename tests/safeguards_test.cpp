@@ -29,6 +29,7 @@
 #include "platform/qmi_client.h"
 #include "qmi/send.h"
 #include "qmi/service_wait.h"
+#include "support/golden.h"
 #include "support/unit_test.h"
 
 namespace kesext_test {
@@ -87,14 +88,7 @@ TEST_F(SafeguardsTest, NullPointersAreLogged) {
   EXPECT_EQ(kesext::kes_qmi_sprint_get_engineering_info(0, text, nullptr), 0);
   kesext::convert_lte_error_to_ril_format(nullptr, &record);
   kesext::convert_lte_error_to_ril_format(&indication, nullptr);
-  EXPECT_THAT(fake_log,
-              ElementsAre("E kes_qmi_sprint_get_active_ehrpd_apn: NULL point",
-                          "E convert_active_ehrpd_apn_from_qmi_to_ril: p_qmi_resp = NULL",
-                          "E convert_active_ehrpd_apn_from_qmi_to_ril: p_ril_active_ehrpd_apn = NULL",
-                          "E kes_qmi_sprint_get_lte_data entered ",
-                          "E kes_qmi_sprint_get_lte_data: p_lte_data == NULL",
-                          "E convert_lte_error_to_ril_format: parameter is null!",
-                          "E convert_lte_error_to_ril_format: parameter is null!"));
+  ExpectGolden(fake_log, "null_pointers");
   EXPECT_THAT(fake_sends, IsEmpty());
 
   fake_modem = [](const FakeSend&, uint8_t* reported) {
