@@ -34,7 +34,7 @@ class SimPinNoticeTest : public HookProcessTest {
     modem_.clearRequests();
     Launch();
     EXPECT_TRUE(Logs("Child process waiting for data"));
-    record_.push_back("#");
+    record_.emplace_back("#");
     for (const std::string& line : parent_->logs())
       if (line.find("panic") != std::string::npos || line.find("***") != std::string::npos ||
           line.find("verify") != std::string::npos)
