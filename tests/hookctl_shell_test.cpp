@@ -116,7 +116,7 @@ TEST_F(Shell, AProcessThatDiesIsToldOfAtOnceAndCanBeRestarted) {
   terminal.type("restart\r");
   EXPECT_TRUE(terminal.shows("the process has ended with status 0"));
   EXPECT_TRUE(terminal.shows(kPrompt));
-  terminal.type(kCtrlD);
+  terminal.type("quit\r");
   EXPECT_EQ(terminal.waitForEnd(), 0);
 }
 
