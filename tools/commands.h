@@ -27,6 +27,7 @@ void addTourCommand(CLI::App& tool, Common& common);
 void addPlayCommand(CLI::App& tool, Common& common);
 void addSendCommand(CLI::App& tool, Common& common);
 void addDecodeCommand(CLI::App& tool, Common& common);
+void addExplainCommand(CLI::App& tool, Common& common);
 void addModemCommand(CLI::App& tool, Common& common);
 void addWatchCommand(CLI::App& tool, Common& common);
 void addShellCommand(CLI::App& tool, Common& common);

@@ -91,6 +91,10 @@ void Console::note(std::string_view text) const {
   fmt::print("    {}\n", text);
 }
 
+void Console::happening(bool good, std::string_view line) const {
+  fmt::print("{}{}{}\n", paint(good ? "" : kRed), line, paint(good ? "" : kPlain));
+}
+
 void Console::outcome(size_t number, Outcome outcome, std::string_view title) const {
   const std::string_view colour = outcome == Outcome::good ? kGreen : outcome == Outcome::wrong ? kRed : kDim;
   fmt::print("  {:3}  {}{:<10}{}  {}\n", number, paint(colour), outcomeName(outcome), paint(kPlain), title);

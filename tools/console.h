@@ -37,6 +37,8 @@ class Console {
   void note(std::string_view text) const;
   /// Lines of text, each ending in a line feed, as they stand.
   void block(std::string_view lines) const;
+  /// A line of a log's story; one that is not good stands out.
+  void happening(bool good, std::string_view line) const;
   /// A line of a list of steps.
   void outcome(size_t number, Outcome outcome, std::string_view title) const;
   void verdict(bool good, std::string_view text) const;

@@ -34,6 +34,7 @@ constexpr const char* kExamples =
     "  hookctl shell                       a prompt: requests, what the modem does, messages as they come\n"
     "  hookctl play scenarios/provisioning.json\n"
     "  hookctl decode < logcat.txt         the records in a log, field by field\n"
+    "  hookctl explain logcat.txt          what happened, request by request, and what went wrong\n"
     "\n"
     "The status is 0 when all was as it should be, 1 when not, 2 when the command line was wrong.\n"
     "hookctl COMMAND --help tells more; hookctl send --list tells the requests.";
@@ -66,8 +67,8 @@ int run(int argc, char** argv) {
   tool.add_option("--colour", common.colour, "auto (on a terminal only), always or never")
       ->transform(oneOf({"auto", "always", "never"}))
       ->option_text("WHEN");
-  for (const auto add : {addTourCommand, addShellCommand, addSendCommand, addDecodeCommand, addPlayCommand,
-                         addModemCommand, addWatchCommand})
+  for (const auto add : {addTourCommand, addShellCommand, addSendCommand, addDecodeCommand, addExplainCommand,
+                         addPlayCommand, addModemCommand, addWatchCommand})
     add(tool, common);
   if (argc > 1) checkCommand(tool, argv[1]);
   try {
