@@ -107,6 +107,8 @@ bool readHead(std::string_view head, LogLine& line) {
     } else if (begins) {
       return false;
     } else if (word[0] != '+' && word[0] != '-') {  // a time zone
+      constexpr std::string_view kOfIds = "abcdefghijklmnopqrstuvwxyz_0123456789:";
+      if (word.find_first_not_of(kOfIds) != std::string_view::npos) return false;
       const auto id = takeNumber(left);
       if (id) ids[0] = std::exchange(ids[1], *id);
       const bool both = colon != std::string_view::npos && !left.empty();
