@@ -174,12 +174,12 @@ class Narrator {
     std::vector<std::string> parts;
     if (std::string result = resultOf(event); !result.empty()) parts.push_back(std::move(result));
     if (event.silences == 1) parts.emplace_back("THE MODEM LET 15 s PASS");
-    if (event.silences > 1) parts.push_back(fmt::format("THE MODEM LET 15 s PASS, {} times", event.silences));
+    if (event.silences > 1) parts.push_back("THE MODEM LET 15 s PASS, " + times(event.silences));
     for (const Problem& problem : event.problems)
       parts.push_back(problem.line == event.line ? problem.words
                                                  : fmt::format("{} (line {})", problem.words, problem.line));
     parts.insert(parts.end(), event.details.begin(), event.details.end());
-    if (event.count > 1) parts.push_back(fmt::format("{} times", event.count));
+    if (event.count > 1) parts.push_back(times(event.count));
     return fmt::format("{}", fmt::join(parts, "; "));
   }
 
@@ -188,27 +188,30 @@ class Narrator {
 };
 
 void Narrator::sum(const LogSummary& summary) const {
-  const auto time = [](bool known, int64_t millis) { return known ? inSeconds(millis) : std::string("-"); };
+  const auto duration = [](bool known, int64_t millis) {
+    return known ? inSeconds(millis) : std::string("-");
+  };
   console_.section(
       fmt::format("{:<20}  {:>8}  {:>8}  {:>9}  {:>9}", "Requests", "number", "failed", "longest", "mean"));
   for (const auto& [name, requests] : summary.requests) {
     const bool timed = requests.timed > 0;
     const int64_t mean = timed ? requests.total / static_cast<int64_t>(requests.timed) : 0;
-    console_.happening(requests.failures == 0,
-                       fmt::format("{:<20}  {:>8}  {:>8}  {:>9}  {:>9}", name, requests.count,
-                                   requests.failures, time(timed, requests.longest), time(timed, mean)));
+    console_.happening(
+        requests.failures == 0,
+        fmt::format("{:<20}  {:>8}  {:>8}  {:>9}  {:>9}", name, requests.count, requests.failures,
+                    duration(timed, requests.longest), duration(timed, mean)));
   }
   if (!summary.slowest.empty()) console_.section("Slowest");
   for (const LogSummary::Slow& slow : summary.slowest)
     console_.happening(true,
                        fmt::format("{:<20}  {:>8}  line {}", slow.name, inSeconds(slow.took), slow.line));
-  console_.section(
-      fmt::format("{} lines, {} of the process; {} start-ups", summary.lines, summary.own, summary.starts));
+  console_.section(fmt::format("{} lines, {} of the process, which started {}", summary.lines, summary.own,
+                               times(summary.starts)));
   if (summary.silences > 0)
-    console_.happening(false, fmt::format("The modem let 15 s pass {} times.", summary.silences));
+    console_.happening(false, fmt::format("The modem let 15 s pass {}.", times(summary.silences)));
   if (summary.troubles > 0)
     console_.happening(false,
-                       fmt::format("Something went wrong {} times outside of requests.", summary.troubles));
+                       fmt::format("Something went wrong {} outside of requests.", times(summary.troubles)));
   if (summary.unknown > 0)
     console_.happening(false,
                        fmt::format("{} lines are cut or not known; the first is line {}: {}", summary.unknown,

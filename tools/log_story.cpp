@@ -84,6 +84,10 @@ std::string inSeconds(int64_t millis) {
   return fmt::format("{:.1f} s", static_cast<double>(millis) / 1000);
 }
 
+std::string times(size_t count) {
+  return count == 1 ? "once" : fmt::format("{} times", count);
+}
+
 std::string_view endingName(Ending ending) {
   switch (ending) {
     case Ending::answered:
@@ -213,7 +217,7 @@ void LogStory::noteStart(Teller& teller, const LogLine& line, const LineRow& row
     if (took)
       addDetail(*teller.start_up, fmt::format("the modem's services were there after {}", inSeconds(*took)));
     if (teller.waits > 0)
-      addDetail(*teller.start_up, fmt::format("waited {} times for one, up to 1 s each", teller.waits));
+      addDetail(*teller.start_up, fmt::format("waited {} for one, up to 1 s each", times(teller.waits)));
   }
   if (row.kind == LineKind::notStarted) {
     addProblem(*teller.start_up, {summary_.lines, inWords(row.words, places, teller.context)});

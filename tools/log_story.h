@@ -29,6 +29,9 @@ std::string_view endingName(Ending ending);
 /// "12 ms", "15.0 s".
 std::string inSeconds(int64_t millis);
 
+/// "once", "2 times".
+std::string times(size_t count);
+
 /// What went wrong, and the number of the line that says so.
 struct Problem {
   size_t line = 0;
