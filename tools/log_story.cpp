@@ -18,36 +18,13 @@ namespace {
 
 /// Processes that a log is followed by at a time; the one that was silent longest is given up for another.
 constexpr size_t kTellersMax = 16;
-/// Of one event.
-constexpr size_t kDetailsMax = 12;
-constexpr size_t kProblemsMax = 4;
+/// Elements of a request that are told one by one.
 constexpr size_t kTransfersMax = 2;
-constexpr size_t kSlowestMax = 10;
-constexpr size_t kWordsMax = 160;  // characters
+/// Of the first line that is not known. Characters.
+constexpr size_t kUnknownMax = 160;
 
 /// The log's clock is not exactly the one that the modem is waited for by. Milliseconds.
 constexpr int64_t kSilence = kesext::kSendTimeoutMs - 50;
-
-void addDetail(LogEvent& event, std::string words) {
-  if (words.empty() || event.details.size() == kDetailsMax) return;
-  if (words.size() > kWordsMax) words = words.substr(0, kWordsMax) + "...";
-  event.details.push_back(std::move(words));
-}
-
-void addProblem(LogEvent& event, Problem problem) {
-  if (!problem.words.empty() && event.problems.size() < kProblemsMax)
-    event.problems.push_back(std::move(problem));
-}
-
-/// The worst of what the lines told is how it ended.
-void worsen(LogEvent& event, Ending ending) {
-  const auto rank = [](Ending of) {
-    constexpr Ending kFromGoodToBad[] = {Ending::answered, Ending::success, Ending::zeros,
-                                         Ending::failed,   Ending::cut,     Ending::notServed};
-    return std::find(std::begin(kFromGoodToBad), std::end(kFromGoodToBad), of);
-  };
-  if (rank(event.ending) < rank(ending)) event.ending = ending;
-}
 
 uint32_t hexIn(std::string_view digits) {
   uint32_t number = 0;
@@ -78,38 +55,6 @@ void addDump(LogEvent& event, const DumpAnnouncement& announced, std::string_vie
 }
 
 }  // namespace
-
-std::string inSeconds(int64_t millis) {
-  if (millis < 1000) return fmt::format("{} ms", millis);
-  return fmt::format("{:.1f} s", static_cast<double>(millis) / 1000);
-}
-
-std::string times(size_t count) {
-  return count == 1 ? "once" : fmt::format("{} times", count);
-}
-
-std::string_view endingName(Ending ending) {
-  switch (ending) {
-    case Ending::answered:
-      return "answered";
-    case Ending::success:
-      return "success";
-    case Ending::zeros:
-      return "answered with zeros";
-    case Ending::failed:
-      return "failed";
-    case Ending::notServed:
-      return "not served";
-    case Ending::cut:
-      return "cut";
-  }
-  return "";
-}
-
-bool LogEvent::failed() const {
-  return ending == Ending::zeros || ending == Ending::failed || ending == Ending::notServed || silences > 0 ||
-         !problems.empty();
-}
 
 LogStory::Teller& LogStory::tellerOf(int32_t process) {
   const auto found =
@@ -143,7 +88,7 @@ void LogStory::take(const std::optional<LogLine>& line) {
   const LineRow* row = findLine(line->text, places);
   if (row == nullptr) {
     if (summary_.unknown++ == 0)
-      summary_.first_unknown = {summary_.lines, std::string(line->text.substr(0, kWordsMax))};
+      summary_.first_unknown = {summary_.lines, std::string(line->text.substr(0, kUnknownMax))};
     return;
   }
   Teller& teller = tellerOf(line->process);
@@ -383,7 +328,7 @@ void LogStory::finish() {
 }
 
 void LogStory::tell(LogEvent event) {
-  count(event);
+  summary_.count(event);
   const auto same = [](const LogEvent& a, const LogEvent& b) {
     const auto words = [](const Problem& x, const Problem& y) { return x.words == y.words; };
     return a.happening == b.happening && a.process == b.process && a.name == b.name &&
@@ -400,27 +345,6 @@ void LogStory::tell(LogEvent event) {
     held_ = std::move(event);
   else
     tell_(event);
-}
-
-void LogStory::count(const LogEvent& event) {
-  summary_.silences += event.silences;
-  if (event.happening != Happening::request) {
-    summary_.troubles += event.failed() ? 1 : 0;
-    return;
-  }
-  LogSummary::Requests& requests = summary_.requests[event.name];
-  ++requests.count;
-  requests.failures += event.failed() ? 1 : 0;
-  if (!event.took) return;
-  ++requests.timed;
-  requests.total += *event.took;
-  requests.longest = std::max(requests.longest, *event.took);
-  std::vector<LogSummary::Slow>& slowest = summary_.slowest;
-  if (slowest.size() == kSlowestMax && slowest.back().took >= *event.took) return;
-  const auto place = std::find_if(slowest.begin(), slowest.end(),
-                                  [&](const LogSummary::Slow& slow) { return slow.took < *event.took; });
-  slowest.insert(place, {*event.took, event.line, event.name});
-  if (slowest.size() > kSlowestMax) slowest.pop_back();
 }
 
 }  // namespace tools

@@ -2,11 +2,9 @@
 // wrong.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,73 +12,10 @@
 
 #include "tools/line_table.h"
 #include "tools/log_dumps.h"
+#include "tools/log_event.h"
 #include "tools/log_lines.h"
 
 namespace tools {
-
-enum class Happening { startUp, request, report, modemLog, trouble, end };
-
-/// How a request or a start-up ended, as far as the log tells.
-enum class Ending { answered, success, zeros, failed, notServed, cut };
-
-/// "answered" and so on, as people read it.
-std::string_view endingName(Ending ending);
-
-/// "12 ms", "15.0 s".
-std::string inSeconds(int64_t millis);
-
-/// "once", "2 times".
-std::string times(size_t count);
-
-/// What went wrong, and the number of the line that says so.
-struct Problem {
-  size_t line = 0;
-  std::string words;
-};
-
-/// Something that happened, in the order in which such things ended.
-struct LogEvent {
-  Happening happening = Happening::trouble;
-  size_t line = 0;  // the first of it
-  int32_t process = 0;
-  std::string time;              // of that line, as the log has it
-  std::optional<int64_t> began;  // the same in milliseconds
-  std::optional<int64_t> took;   // milliseconds
-  std::string name;              // of a request or an indication
-  Ending ending = Ending::answered;
-  std::vector<std::string> details;
-  std::vector<Problem> problems;
-  size_t silences = 0;  // how often the modem let the time for an answer pass
-  size_t count = 1;     // the same again and again, nothing in between
-
-  /// Whether something went wrong.
-  [[nodiscard]] bool failed() const;
-};
-
-/// What is held of a log for its end.
-struct LogSummary {
-  struct Requests {
-    size_t count = 0;
-    size_t failures = 0;
-    size_t timed = 0;
-    int64_t longest = 0;  // milliseconds
-    int64_t total = 0;    // milliseconds
-  };
-  struct Slow {
-    int64_t took = 0;  // milliseconds
-    size_t line = 0;
-    std::string name;
-  };
-  size_t lines = 0;    // of the log
-  size_t own = 0;      // of the process
-  size_t unknown = 0;  // of those, lines that are in no row of the table
-  Problem first_unknown;
-  size_t starts = 0;
-  size_t silences = 0;
-  size_t troubles = 0;  // outside of requests
-  std::map<std::string, Requests> requests;
-  std::vector<Slow> slowest;  // the slowest first
-};
 
 class LogStory {
  public:
@@ -127,7 +62,6 @@ class LogStory {
   void endReport(Teller& teller);
   void cut(Teller& teller, std::string_view why);
   void tell(LogEvent event);
-  void count(const LogEvent& event);
 
   std::function<void(const LogEvent&)> tell_;
   LogSummary summary_;
