@@ -3,9 +3,11 @@
 
 #include <csignal>
 #include <nlohmann/json.hpp>
+#include <numeric>
 
 #include "handset/hook_records.h"
 #include "support/tool_test.h"
+#include "tools/link_table.h"
 
 namespace kesext_test {
 namespace {
@@ -84,6 +86,30 @@ TEST_F(Send, TheModemCanBeToldWhatToAnswer) {
   EXPECT_EQ(answer("restore utility"), "0005001E0100000000");
   EXPECT_EQ(answer("fail utility 90"), "0005001E0100000005");
   EXPECT_THAT(RunTool({"send", "--modem", "fail utilty 90", "pfp"}).err, HasSubstr("did you mean utility?"));
+}
+
+TEST_F(Send, AModemThatRefusesSaysSoInTheMessagesOwnLayout) {
+  for (const tools::LinkRow& row : tools::linkTable()) {
+    const handset::MessageRow* message = handset::findMessage(row.service, static_cast<uint16_t>(row.id));
+    ASSERT_NE(message, nullptr);
+    const auto sizeOf = [](tools::Fields fields) {
+      return std::accumulate(fields.begin(), fields.end(), size_t{0},
+                             [](size_t sum, const tools::FieldSpec& field) { return sum + field.size; });
+    };
+    EXPECT_EQ(sizeOf(row.request), message->request_size) << message->name;
+    EXPECT_EQ(sizeOf(row.response), message->response_size) << message->name;
+  }
+  EXPECT_EQ(tools::linkTable().size(), handset::messageTable().size());
+  const ToolResult result = RunTool({"shell"},
+                                    "modem refuse rde-read 7\nmodem refuse bsr-timer-read 8\n"
+                                    "modem refuse factory-reset 9\nmodem refuse profile-switch 10\n"
+                                    "modem refuse pfp 11\nrde read 38\nbsr-timer get\nfactory-reset\n"
+                                    "profile set 1\npfp\nlog since\nmodem refuse utility 1\n");
+  for (const char* logged :
+       {"NV Read fail - 0, result - 1, error - 7", "Get BSR timer failed (8)", "failed (0), result (0)",
+        "kes_qmi_sprint_switch_proflie: failed.", "MyPfp: returned rc=0 result =1"})
+    EXPECT_THAT(result.out, HasSubstr(logged));
+  EXPECT_THAT(result.err, HasSubstr("utility has no result to refuse with; 'fail utility CODE' lets"));
 }
 
 TEST_F(Send, AProcessThatDiesIsShownWithItsEndAndItsLog) {

@@ -7,7 +7,6 @@
 
 #include "handset/message_table.h"
 #include "handset/modem_logs.h"
-#include "qmi/vendor_indications.h"
 #include "tools/encode.h"
 #include "tools/interruption.h"
 #include "tools/usage_error.h"
@@ -18,37 +17,10 @@ namespace {
 
 using handset::Bytes;
 using handset::Modem;
-using enum FieldKind;
 
 constexpr int64_t kInt32Max = std::numeric_limits<int32_t>::max();
 constexpr int64_t kUint32Max = std::numeric_limits<uint32_t>::max();
 constexpr int64_t kDelayMax = 60'000;  // milliseconds
-
-constexpr auto kZeros = WhenAbsent::zeros;
-constexpr auto kRestCount = WhenAbsent::lengthOfRest;
-
-constexpr FieldSpec kValue[] = {{"value", 2, number}};
-constexpr FieldSpec kLteError[] = {{"first_word", 4, hexNumber},
-                                   {"value", 4, number},
-                                   {"second_word", 4, hexNumber},
-                                   {"block", 103, bytes, kZeros}};
-constexpr FieldSpec kPfp[] = {{"unread", 2, bytes, kZeros}, {"rat", 2, number}, {"tbl_idx", 4, number}};
-constexpr FieldSpec kTuner[] = {{"length", 4, number, kRestCount}, {"event", 128, bytes}};
-constexpr FieldSpec kCoverage[] = {{"record", 32, bytes}};
-constexpr FieldSpec kUtility[] = {{"type", 4, number}, {"len", 4, number, kRestCount}, {"data", 512, bytes}};
-
-constexpr IndicationRow kIndications[] = {
-    {kesext::IND_TEST, "test", "a test notification", {}, 0},
-    {kesext::IND_PFP, "pfp", "PFP", kPfp, 232},
-    {kesext::IND_UTILITY, "utility", "utility data: type 0, 2 or 3 goes to the parent, 1 is a packet of log",
-     kUtility, 520},
-    {kesext::IND_CARRIER_VALUE, "carrier-value", "the carrier's value", kValue, 2},
-    {kesext::IND_RF_SAVE, "rf-save", "asks for an RF data save", {}, 0},
-    {kesext::IND_DATA_PLMN, "data-plmn", "the data PLMN changed", {}, 0},
-    {kesext::IND_LTE_ERROR, "lte-error", "an LTE error", kLteError, 116},
-    {kesext::IND_SIGNAL_COVERAGE, "coverage", "signal coverage", kCoverage, 32},
-    {kesext::IND_TUNER, "tuner", "a tuner event; 0x81 first is forwarded", kTuner, 132},
-};
 
 std::string messageName(const handset::MessageRow& row) {
   std::string name(row.name);
@@ -101,6 +73,19 @@ ModemOrder fail(Words arguments) {
   return [&row, code](Modem& modem) { modem.fail(row.service, row.id, code); };
 }
 
+ModemOrder refuse(Words arguments) {
+  need(arguments, 2, 2, "refuse MESSAGE ERROR");
+  const handset::MessageRow& row = messageByName(arguments[0]);
+  const auto error = static_cast<uint32_t>(parseNumber("ERROR", arguments[1], 0, kUint32Max));
+  const std::optional<Bytes> response = refusal(row, error);
+  if (!response)
+    throw UsageError(
+        fmt::format("the response to {0} has no result to refuse with; 'fail {0} CODE' lets the link "
+                    "refuse it, 'answer {0} BYTES' says what it holds",
+                    arguments[0]));
+  return [&row, body = *response](Modem& modem) { modem.answer(row.service, row.id, body); };
+}
+
 ModemOrder delay(Words arguments) {
   need(arguments, 2, 2, "delay MESSAGE MS");
   const handset::MessageRow& row = messageByName(arguments[0]);
@@ -149,7 +134,8 @@ constexpr ModemCommandRow kCommands[] = {
     {"set band", "10|14 STATUS", "the status of a band class", setBand},
     {"set bsr-timer", "SECONDS", "the BSR timer", setBsrTimer},
     {"answer", "MESSAGE BYTES", "the response to a message; zeros behind what is given", setAnswer},
-    {"fail", "MESSAGE CODE", "refuses a message", fail},
+    {"fail", "MESSAGE CODE", "lets the link refuse a message: no response, only this code", fail},
+    {"refuse", "MESSAGE ERROR", "responds that a message was not done, and why where there is room", refuse},
     {"delay", "MESSAGE MS", "answers a message later", delay},
     {"silent", "MESSAGE", "does not answer a message", silence},
     {"restore", "MESSAGE", "answers a message as at first", restore},
@@ -192,17 +178,13 @@ ModemOrder package(const PackageRow& row, Words arguments) {
 }
 
 std::vector<std::string_view> indicationNames() {
-  std::vector<std::string_view> names = namesOf(kIndications);
+  std::vector<std::string_view> names = namesOf(indicationTable());
   for (const std::string_view name : namesOf(kPackages))
     names.push_back(name);
   return names;
 }
 
 }  // namespace
-
-std::span<const IndicationRow> indicationTable() {
-  return kIndications;
-}
 
 std::span<const PackageRow> packageTable() {
   return kPackages;

@@ -10,20 +10,10 @@
 
 #include "handset/message_table.h"
 #include "handset/modem.h"
-#include "tools/record_table.h"
+#include "tools/link_table.h"
 #include "tools/words.h"
 
 namespace tools {
-
-/// An indication that the modem can send, with the fields that it is made of.
-struct IndicationRow {
-  uint16_t id;
-  std::string_view name;
-  std::string_view help;
-  Fields fields;
-  size_t size;  // bytes; what the fields leave is zero
-};
-std::span<const IndicationRow> indicationTable();
 
 /// A whole package of the modem's logs that it can send, PACKAGE BYTES, by the header word it begins with.
 struct PackageRow {
