@@ -43,7 +43,7 @@ void LineReader::run() {
     if (size <= 0) break;
   }
   const std::scoped_lock lock(mutex_);
-  if (!partial_.empty()) lines_.push_back(std::move(partial_));
+  if (!partial_.empty()) lines_.push_back({std::chrono::steady_clock::now(), std::move(partial_)});
   ended_ = true;
   announce();
 }
@@ -58,9 +58,10 @@ ssize_t LineReader::read() {
 }
 
 void LineReader::take(std::string_view chunk) {
+  const Instant now = std::chrono::steady_clock::now();
   for (size_t end = chunk.find('\n'); end != std::string_view::npos; end = chunk.find('\n')) {
     partial_ += chunk.substr(0, end);
-    lines_.push_back(std::exchange(partial_, {}));
+    lines_.push_back({now, std::exchange(partial_, {})});
     chunk.remove_prefix(end + 1);
   }
   partial_ += chunk;
@@ -72,7 +73,7 @@ void LineReader::announce() const {
   if (lines_.size() > news_from_) eventfd_write(news_.get(), 1);
 }
 
-std::vector<std::string> LineReader::newLines() {
+std::vector<StampedLine> LineReader::newLines() {
   const std::scoped_lock lock(mutex_);
   eventfd_t ignored = 0;
   eventfd_read(news_.get(), &ignored);
@@ -87,6 +88,14 @@ size_t LineReader::count() const {
 
 std::vector<std::string> LineReader::lines(size_t from) const {
   const std::scoped_lock lock(mutex_);
+  std::vector<std::string> texts;
+  for (size_t i = from; i < lines_.size(); ++i)
+    texts.push_back(lines_[i].text);
+  return texts;
+}
+
+std::vector<StampedLine> LineReader::stampedLines(size_t from) const {
+  const std::scoped_lock lock(mutex_);
   if (from >= lines_.size()) return {};
   return {lines_.begin() + static_cast<ptrdiff_t>(from), lines_.end()};
 }
@@ -96,7 +105,7 @@ std::optional<size_t> LineReader::waitFor(std::string_view text, size_t from, Mi
   std::optional<size_t> found;
   const auto foundOrEnded = [&] {
     for (; next < lines_.size() && !found; ++next) {
-      if (textOf(lines_[next]) == text) found = next;
+      if (textOf(lines_[next].text) == text) found = next;
     }
     return found || ended_;
   };

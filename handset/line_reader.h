@@ -16,6 +16,12 @@
 
 namespace handset {
 
+/// A line without its line feed, and when it was read.
+struct StampedLine {
+  Instant time;
+  std::string text;
+};
+
 /// May be used from any thread.
 class LineReader {
  public:
@@ -29,13 +35,14 @@ class LineReader {
   [[nodiscard]] size_t count() const;
   /// The lines from number `from` on, without their line feeds.
   [[nodiscard]] std::vector<std::string> lines(size_t from = 0) const;
+  [[nodiscard]] std::vector<StampedLine> stampedLines(size_t from) const;
   /// Waits for a line with this text, at number `from` or later. The text of a line is what follows its first
   /// ": ", the whole line without one. Returns the line's number, or nothing when the time passed or the pipe
   /// ended first.
   std::optional<size_t> waitFor(std::string_view text, size_t from, Millis timeout) const;
 
   /// The lines since the last call, and a descriptor that can be read while there are some.
-  std::vector<std::string> newLines();
+  std::vector<StampedLine> newLines();
   [[nodiscard]] int newLinesFd() const { return news_.get(); }
 
   /// Waits until everything that was written before is among the lines, or the time is up.
@@ -56,7 +63,7 @@ class LineReader {
   size_t news_from_ = 0;
   mutable std::mutex mutex_;
   mutable std::condition_variable changed_;
-  std::vector<std::string> lines_;
+  std::vector<StampedLine> lines_;
   std::string partial_;
   bool ended_ = false;
   std::thread thread_;  // last: it uses all of the above

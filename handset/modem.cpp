@@ -148,6 +148,17 @@ void Modem::recordRequests(bool on) {
   recording_ = on;
 }
 
+void Modem::forgetAnswered(Instant now) {
+  std::erase_if(open_, [now](const OpenRequest& request) { return request.until <= now; });
+}
+
+std::optional<std::pair<Service, uint16_t>> Modem::waitedFor() {
+  const std::scoped_lock lock(mutex_);
+  forgetAnswered(SocketServer::Clock::now());
+  if (open_.empty()) return std::nullopt;
+  return std::pair{open_.front().service, open_.front().id};
+}
+
 bool Modem::waitForRequests(size_t count, Millis timeout) {
   std::unique_lock lock(mutex_);
   return changed_.wait_for(lock, timeout, [&] { return requests_.size() >= count; });
@@ -233,6 +244,12 @@ void Modem::onRequest(ConnectionId id, const FrameHeader& header, ByteView body)
     }
     const auto found = rules_.find({header.service, header.message_id});
     if (found != rules_.end()) rule = found->second;
+    if (rule != nullptr && (rule->silent || rule->delay > Millis::zero())) {
+      const Millis open_for = rule->silent ? kProcessPatience : std::min(rule->delay, kProcessPatience);
+      const Instant now = SocketServer::Clock::now();
+      forgetAnswered(now);
+      open_.push_back({header.service, header.message_id, now + open_for});
+    }
   }
   if (rule != nullptr && rule->silent) return;
 

@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -36,6 +37,9 @@ struct Reply {
   int32_t code = 0;
   Bytes body;
 };
+
+/// How long the process waits for an answer.
+inline constexpr Millis kProcessPatience{15'000};
 
 struct Received {
   Service service{};
@@ -99,6 +103,9 @@ class Modem {
   std::vector<Received> takeRequests();
   /// Whether requests are recorded; they are at first.
   void recordRequests(bool on);
+  /// The message that the process has been waiting for longest, because it is silenced or delayed; nothing
+  /// when there is none.
+  std::optional<std::pair<Service, uint16_t>> waitedFor();
 
   /// Each waits until there are at least `count`; false when the time passed first.
   bool waitForRequests(size_t count, Millis timeout = kTimeout);
@@ -112,6 +119,11 @@ class Modem {
     Millis delay{0};
     bool silent = false;
   };
+  struct OpenRequest {
+    Service service{};
+    uint16_t id = 0;
+    Instant until;
+  };
   struct Publication {
     int32_t instances = 1;
     int32_t refusal = 0;
@@ -121,6 +133,7 @@ class Modem {
     Service service{};
   };
 
+  void forgetAnswered(Instant now);
   void onPacket(ConnectionId id, ByteView packet);
   void onClosed(ConnectionId id);
   void onLookup(ConnectionId id, Service service);
@@ -141,6 +154,7 @@ class Modem {
   std::map<ConnectionId, Peer> peers_;
   std::map<std::pair<Service, uint16_t>, std::shared_ptr<const Rule>> rules_;
   std::vector<Received> requests_;
+  std::vector<OpenRequest> open_;
   bool recording_ = true;
 
   SocketServer server_;  // last: its thread uses all of the above

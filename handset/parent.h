@@ -81,9 +81,12 @@ class Parent {
   [[nodiscard]] size_t logMark() const { return log_->count(); }
   /// Lines as printed: "E RIL-KESEXT: text".
   [[nodiscard]] std::vector<std::string> logsSince(size_t mark) const { return log_->lines(mark); }
+  [[nodiscard]] std::vector<StampedLine> stampedLogsSince(size_t mark) const {
+    return log_->stampedLines(mark);
+  }
   [[nodiscard]] std::vector<std::string> logs() const { return log_->lines(); }
   /// The lines since the last call, and a descriptor that can be read while there are some.
-  std::vector<std::string> newLogs() { return log_->newLines(); }
+  std::vector<StampedLine> newLogs() { return log_->newLines(); }
   [[nodiscard]] int newLogsFd() const { return log_->newLinesFd(); }
   /// Waits until the log has everything that the process printed so far.
   void catchUpWithLog(Millis timeout = kTimeout) const { log_->catchUp(timeout); }

@@ -8,6 +8,7 @@
 #include "handset/hook_records.h"
 #include "support/tool_test.h"
 #include "tools/link_table.h"
+#include "tools/words.h"
 
 namespace kesext_test {
 namespace {
@@ -19,6 +20,7 @@ using handset::genericRequest;
 using handset::hex;
 using handset::le32;
 using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
 using ::testing::StartsWith;
 using Send = ToolTest;
 
@@ -110,6 +112,41 @@ TEST_F(Send, AModemThatRefusesSaysSoInTheMessagesOwnLayout) {
         "kes_qmi_sprint_switch_proflie: failed.", "MyPfp: returned rc=0 result =1"})
     EXPECT_THAT(result.out, HasSubstr(logged));
   EXPECT_THAT(result.err, HasSubstr("utility has no result to refuse with; 'fail utility CODE' lets"));
+}
+
+TEST_F(Send, TheStatusCanBeTheAnswers) {
+  EXPECT_EQ(RunTool({"send", "--check", "bsr-timer", "set", "4"}).status, 0);
+  for (const std::string request : {"raw 00050077 00000000", "bsr-timer set 4", "sysinfo-filter 1"}) {
+    std::vector<std::string> arguments =
+        tools::splitWords("send --check --modem 'fail utility 3' " + request);
+    arguments.insert(arguments.end() - 1, {"--modem", "refuse bsr-timer-write 3"});
+    EXPECT_EQ(RunTool(arguments).status, 1) << request;
+  }
+}
+
+TEST_F(Send, WhatTheProcessSaysAndReportsIsShownWithItsTime) {
+  const std::vector<std::string> arguments{"--log",      "--times",
+                                           "--messages", "0.2",
+                                           "--modem",    "delay bsr-timer-read 2200",
+                                           "--modem",    "indicate carrier-value 7",
+                                           "bsr-timer",  "get"};
+  std::vector<std::string> shown = arguments;
+  shown.insert(shown.begin(), "send");
+  const ToolResult result = RunTool(shown);
+  EXPECT_EQ(result.err,
+            "hookctl: still waiting, after 2 s: the modem has not answered bsr-timer-read; the "
+            "process gives it 15 s\n");
+  EXPECT_THAT(result.out, MatchesRegex(" +0\\.[0-9]{3}  request  .*\n"
+                                       " +0\\.[0-9]{3}  E RIL-KESEXT: Read 18 bytes from pipe\n.*\n"
+                                       " +2\\.[0-9]{3}  E RIL-KESEXT: Get BSR timer result - 300\n.*\n"
+                                       " +2\\.[0-9]{3}  answer   .*\\(24 bytes, 22[0-9]{2}\\.[0-9] ms\\)\n"
+                                       " {17}0  BC 00 00 02 .*\n"
+                                       " +[2-9]\\.[0-9]{3}  message  .*: carrier value .*"));
+  const nlohmann::json all = sendJson(arguments);
+  EXPECT_EQ(all["messages"].size(), 1U);
+  EXPECT_EQ(all["log"][0]["text"], "E RIL-KESEXT: Read 18 bytes from pipe");
+  EXPECT_LT(all["request"]["time"], all["answer"]["time"]);
+  EXPECT_GT(all["answer"]["took_ms"], 2200);
 }
 
 TEST_F(Send, AProcessThatDiesIsShownWithItsEndAndItsLog) {

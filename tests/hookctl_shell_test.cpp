@@ -148,7 +148,10 @@ TEST_F(Shell, AScriptRunsWithoutAPromptAndItsWrongLinesAreCounted) {
                                        "  0x0A0006   plmn               reads the name of a network\n"
                                        " +mcc \\(0 to 65535\\) mnc \\(0 to 65535\\)\n"));
   EXPECT_THAT(result.out, Not(HasSubstr(kPrompt)));
-  EXPECT_EQ(RunTool({"shell"}, "bsr-timer set 5\nlog since\n").status, 0);
+  const ToolResult timed = RunTool({"shell", "--times"}, "bsr-timer set 5\nlog since\n");
+  EXPECT_EQ(timed.status, 0);
+  EXPECT_THAT(timed.out, MatchesRegex(" +0\\.[0-9]{3}  request .*\n +0\\.[0-9]{3}  answer .*"
+                                      "\n +0\\.[0-9]{3}  E RIL-KESEXT: Child process waiting for data\n"));
 }
 
 }  // namespace

@@ -17,6 +17,7 @@ struct PlayOptions {
   std::string file;
   std::string root;
   bool json = false;
+  bool times = false;
 };
 
 /// Does a step. False when the process is of no more use.
@@ -38,22 +39,30 @@ void showStep(const Console& console, size_t number, const Step& step, const Pla
   if (play.wrong.empty()) return;
   for (const std::string& text : play.wrong)
     console.note(text);
-  if (play.request) console.record("request", play.request->decoded, play.request->bytes);
-  if (play.answer) console.record("answer", play.answer->decoded, play.answer->bytes);
+  const auto show = [&](std::string_view direction, const PlayedRecord& record) {
+    console.record(direction, record.decoded, record.bytes, record.moment);
+  };
+  if (play.request) show("request", *play.request);
+  if (play.answer) show("answer", *play.answer);
   for (const PlayedRecord& message : play.messages)
-    console.record("message", message.decoded, message.bytes);
+    show("message", message);
 }
 
-Json describeStep(size_t number, const Step& step, const Play& play) {
+Json describeStep(size_t number, const Step& step, const Play& play, bool times) {
+  const auto record = [times](const PlayedRecord& played) {
+    Json json = toJson(played.decoded, played.bytes);
+    addMoment(json, played.moment, times);
+    return json;
+  };
   Json result{{"step", number},
               {"title", step.title},
               {"result", outcomeName(play.wrong.empty() ? Outcome::good : Outcome::wrong)},
               {"wrong", play.wrong}};
-  if (play.request) result["request"] = toJson(play.request->decoded, play.request->bytes);
-  if (play.answer) result["answer"] = toJson(play.answer->decoded, play.answer->bytes);
+  if (play.request) result["request"] = record(*play.request);
+  if (play.answer) result["answer"] = record(*play.answer);
   if (!play.messages.empty()) result["messages"] = Json::array();
   for (const PlayedRecord& message : play.messages)
-    result["messages"].push_back(toJson(message.decoded, message.bytes));
+    result["messages"].push_back(record(message));
   return result;
 }
 
@@ -75,7 +84,7 @@ bool play(const Scenario& scenario, Station& station, const PlayOptions& options
     Play played(station);
     goes_on = doStep(step, played);
     if (played.wrong.empty()) ++good;
-    results.push_back(describeStep(number, step, played));
+    results.push_back(describeStep(number, step, played, options.times));
     if (!options.json) showStep(console, number, step, played);
     flushOutput();
   }
@@ -95,6 +104,7 @@ void addPlayCommand(CLI::App& tool, Common& common) {
   command->add_option("file", options->file, "the scenario, a JSON file")->required();
   command->add_option("--root", options->root, "a handset folder that is kept; without it, a fresh one")
       ->option_text("FOLDER");
+  command->add_flag("--times", options->times, kTimesHelp);
   command->add_flag("--json", options->json, "for scripts: an array of the steps' results");
   command->footer(scenarioFormat() +
                   "\nThe whole file is checked before anything is started. The status is 0 when all steps "
@@ -107,7 +117,8 @@ void addPlayCommand(CLI::App& tool, Common& common) {
   command->callback([&common, options] {
     const Scenario scenario = readScenario(options->file);
     Station station({.executable = common.executable, .root = options->root});
-    common.status = play(scenario, station, *options, Console(common.colour)) ? kStatusGood : kStatusWrong;
+    common.status = play(scenario, station, *options, Console(common.colour, options->times)) ? kStatusGood
+                                                                                              : kStatusWrong;
   });
 }
 

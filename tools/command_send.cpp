@@ -1,11 +1,17 @@
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "core/ground/hook_message.h"
 #include "tools/commands.h"
 #include "tools/encode.h"
+#include "tools/happening.h"
 #include "tools/modem_control.h"
 #include "tools/record_json.h"
 #include "tools/reference.h"
@@ -15,34 +21,129 @@ namespace tools {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 struct SendOptions {
   std::vector<std::string> words;
   std::vector<std::string> modem_lines;
   std::string root;
   int instance = 0;
+  std::optional<double> messages;  // seconds
+  bool log = false;
+  bool times = false;
+  bool check = false;
   bool json = false;
   bool list = false;
 };
 
-void send(const SendOptions& options, const Common& common) {
-  const handset::Bytes request = encodeWords(options.words);
-  Station station({.executable = common.executable,
-                   .root = options.root,
-                   .instance_id = options.instance,
-                   .share_modem = options.modem_lines.empty()});
-  station.start();
-  for (const std::string& line : options.modem_lines)
-    commandModem(station.modem(), splitWords(line));
-  const handset::Bytes answer = station.ask(request);
-  station.end();
-  if (options.json) {
-    printJson({{"request", toJson(decodeRequest(request), request)},
-               {"answer", toJson(decodeAnswer(request, answer), answer)}});
-    return;
+/// One request, and what is to be told of it.
+class Sending {
+ public:
+  Sending(const SendOptions& options, const Common& common)
+      : options_(options),
+        console_(common.colour, options.times),
+        request_(encodeWords(options.words)),
+        station_({.executable = common.executable,
+                  .root = options.root,
+                  .instance_id = options.instance,
+                  .share_modem = options.modem_lines.empty()}) {}
+
+  /// Whether the answer says success.
+  bool run();
+
+ private:
+  void prepare();
+  void takeLog();
+  void waitForMessages(double seconds);
+  /// Shows what has been taken up to this moment; for scripts it is kept until the end.
+  void showTaken(handset::Instant until);
+  void printAll(const Answer& answer) const;
+
+  const SendOptions& options_;
+  const Console console_;
+  const handset::Bytes request_;
+  Station station_;
+  size_t log_mark_ = 0;
+  Happenings taken_;
+};
+
+void Sending::prepare() {
+  station_.start();
+  // What the start leads to does not follow the request.
+  while (options_.messages && station_.process().nextUnsolicited(handset::Millis(0))) {
   }
-  const Console console(common.colour);
-  console.record("request", decodeRequest(request), request);
-  console.record("answer", decodeAnswer(request, answer), answer);
+  for (const std::string& line : options_.modem_lines)
+    commandModem(station_.modem(), splitWords(line));
+  log_mark_ = station_.process().logMark();
+}
+
+void Sending::takeLog() {
+  if (!options_.log) return;
+  std::vector<handset::StampedLine> lines = station_.process().stampedLogsSince(log_mark_);
+  log_mark_ += lines.size();
+  append(taken_, std::move(lines));
+  sortByTime(taken_);
+}
+
+void Sending::showTaken(handset::Instant until) {
+  if (options_.json) return;
+  const auto later = std::find_if(taken_.begin(), taken_.end(),
+                                  [until](const Happening& happening) { return happening.time > until; });
+  std::for_each(taken_.begin(), later, [this](const Happening& happening) { show(console_, happening); });
+  taken_.erase(taken_.begin(), later);
+  flushOutput();
+}
+
+void Sending::waitForMessages(double seconds) {
+  const handset::Instant until =
+      Clock::now() + std::chrono::round<Clock::duration>(std::chrono::duration<double>(seconds));
+  while (true) {
+    const auto left = std::chrono::ceil<handset::Millis>(until - Clock::now());
+    std::optional<handset::Bytes> message =
+        station_.process().nextUnsolicited(std::max(left, handset::Millis(0)));
+    if (!message) break;
+    taken_.push_back({Clock::now(), std::move(*message)});
+    takeLog();
+    showTaken(Clock::now());
+  }
+  takeLog();
+  showTaken(Clock::now());
+}
+
+bool Sending::run() {
+  prepare();
+  if (!options_.json) {
+    console_.record("request", decodeRequest(request_), request_, {.time = Clock::now()});
+    flushOutput();
+  }
+  const Answer answer = station_.ask(request_, [this] { complain("hookctl: " + station_.stillWaiting()); });
+  // Its last line comes behind the answer.
+  if (options_.log) station_.process().waitForLogSince(log_mark_, "Child process waiting for data");
+  takeLog();
+  showTaken(answer.came);
+  const DecodedRecord decoded = decodeAnswer(request_, answer.bytes);
+  if (!options_.json) console_.record("answer", decoded, answer.bytes, {answer.came, answer.asked});
+  showTaken(Clock::now());
+  if (options_.messages) waitForMessages(*options_.messages);
+  station_.end();
+  if (options_.json) printAll(answer);
+  return answerStatus(decoded, answer.bytes) == kesext::HOOK_STATUS_SUCCESS;
+}
+
+void Sending::printAll(const Answer& answer) const {
+  using Json = nlohmann::ordered_json;
+  const auto timed = [this](Json json, const Moment& moment) {
+    addMoment(json, moment, options_.times);
+    return json;
+  };
+  Json all{{"request", timed(toJson(decodeRequest(request_), request_), {.time = answer.asked})},
+           {"answer",
+            timed(toJson(decodeAnswer(request_, answer.bytes), answer.bytes), {answer.came, answer.asked})}};
+  if (options_.log) all["log"] = Json::array();
+  if (options_.messages) all["messages"] = Json::array();
+  for (const Happening& happening : taken_)
+    addHappening(all, happening, options_.times);
+  printJson(all);
 }
 
 }  // namespace
@@ -64,21 +165,33 @@ void addSendCommand(CLI::App& tool, Common& common) {
       ->allow_extra_args(false)
       ->option_text("LINE");
   command->add_option("--instance", options->instance, "the process's instance id")->option_text("N");
-  command->add_flag("--json", options->json, "for scripts: request and answer with their fields and bytes");
+  command->add_flag("--log", options->log, "also what the process logs for it");
+  command
+      ->add_option("--messages", options->messages, "also the unsolicited messages that follow for so long")
+      ->check(CLI::Range(0.0, 3600.0))
+      ->option_text("SECONDS");
+  command->add_flag("--times", options->times, kTimesHelp);
+  command->add_flag("--check", options->check, "the status is 1 unless the answer's is success");
+  command->add_flag("--json", options->json, "for scripts: all of it, with fields and bytes");
   command->add_flag("--list", options->list, "tells all requests, their ids and arguments");
   command->footer(
       "Bytes are hexadecimal digits, text:CHARACTERS or @FILE; numbers are decimal or 0x-hexadecimal.\n"
-      "The status is 0 when an answer came, whatever it says; 2 when there is no such request.\n\n"
+      "The status is 0 when an answer came, whatever it says, but see --check; 2 when there is no such "
+      "request.\n"
+      "An answer that takes longer than 2 s is waited for with a word on standard error.\n\n"
       "Examples:\n"
       "  hookctl send rde write 10017 0102030405\n"
       "  hookctl send nam write mdn=5551234560 min=6195551234 mcc=310 imsi11_12=12 spc=000000\n"
       "  hookctl send --json plmn 310 120\n"
-      "  hookctl send --modem 'fail utility 90' sysinfo-filter 1");
+      "  hookctl send --modem 'fail utility 90' sysinfo-filter 1\n"
+      "  hookctl send --log --times nam read\n"
+      "  hookctl send --check bsr-timer set 30 && echo done\n"
+      "  hookctl send --messages 5 coverage 7 start");
   command->callback([&common, options] {
     if (options->list)
       fmt::print("{}", requestReference());
-    else
-      send(*options, common);
+    else if (!Sending(*options, common).run() && options->check)
+      common.status = kStatusWrong;
   });
 }
 

@@ -17,6 +17,7 @@ namespace {
 struct ShellOptions {
   std::string root;
   int instance = 0;
+  bool times = false;
 };
 
 std::unique_ptr<LineSource> linesFor(Shell& shell, bool prompts) {
@@ -60,6 +61,7 @@ void addShellCommand(CLI::App& tool, Common& common) {
                    "a fresh one")
       ->option_text("FOLDER");
   command->add_option("--instance", options->instance, "the process's instance id")->option_text("N");
+  command->add_flag("--times", options->times, kTimesHelp);
   command->footer(
       "A line is a request by name, with its arguments in order or as FIELD=VALUE, or one of\n" +
       Shell::commandReference() +
@@ -84,7 +86,7 @@ void addShellCommand(CLI::App& tool, Common& common) {
                      .instance_id = options->instance,
                      .share_modem = true});
     station.start();
-    common.status = converse(station, Console(common.colour));
+    common.status = converse(station, Console(common.colour, options->times));
   });
 }
 

@@ -40,7 +40,7 @@ std::string complaintSince(Station& station, size_t mark) {
 
 Screen screen(Station& station, uint32_t id, std::string (*draw)(handset::ByteView)) {
   const size_t mark = station.process().logMark();
-  const handset::Bytes answer = station.ask(handset::cdmaRequest(id));
+  const handset::Bytes answer = station.ask(handset::cdmaRequest(id)).bytes;
   constexpr size_t kAround = kesext::kOemHookHeaderCount;
   if (const std::string complaint = complaintSince(station, mark); !complaint.empty())
     return {fmt::format("      (no data from the modem: {})\n", complaint), false};

@@ -13,6 +13,8 @@ inline constexpr int kStatusGood = 0;
 inline constexpr int kStatusWrong = 1;
 inline constexpr int kStatusUsage = 2;
 
+inline constexpr const char* kTimesHelp = "what is shown begins with its time: seconds since the start";
+
 /// What all commands share.
 struct Common {
   std::string executable;  // the process

@@ -1,10 +1,12 @@
 // What the tools print: records with their fields beside the raw bytes.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "handset/bytes.h"
+#include "handset/timeout.h"
 #include "tools/decode.h"
 
 namespace tools {
@@ -24,17 +26,31 @@ enum class ColourWhen { automatic, always, never };
 enum class Outcome { good, wrong, notPlayed };
 std::string_view outcomeName(Outcome outcome);
 
+/// When something was, and how long it took, as far as that is known.
+struct Moment {
+  std::optional<handset::Instant> time;
+  std::optional<handset::Instant> since;
+};
+
+/// Seconds since this tool began, to a millisecond.
+double secondsSinceStart(handset::Instant time);
+
+/// Milliseconds from one moment to another, to a tenth.
+double tookMs(handset::Instant since, handset::Instant until);
+
 /// Writes to standard output.
 class Console {
  public:
-  /// `automatic` is colour on a terminal only.
-  explicit Console(ColourWhen when);
+  /// `automatic` is colour on a terminal only. With `times`, what is known to be of a moment begins with
+  /// that, in seconds since the start.
+  explicit Console(ColourWhen when, bool times = false);
 
   void section(std::string_view title) const;
   void step(std::string_view title) const;
   /// One record: a row for each field, its bytes on the left; in the end where it stops making sense.
-  void record(std::string_view direction, const DecodedRecord& decoded, handset::ByteView bytes) const;
-  void note(std::string_view text) const;
+  void record(std::string_view direction, const DecodedRecord& decoded, handset::ByteView bytes,
+              const Moment& moment = {}) const;
+  void note(std::string_view text, std::optional<handset::Instant> time = {}) const;
   /// Lines of text, each ending in a line feed, as they stand.
   void block(std::string_view lines) const;
   /// A line of a log's story; one that is not good stands out.
@@ -46,7 +62,11 @@ class Console {
  private:
   [[nodiscard]] std::string_view paint(std::string_view escape) const { return colour_ ? escape : ""; }
 
+  /// What a line begins with: its time, or blanks of the same width.
+  [[nodiscard]] std::string margin(std::optional<handset::Instant> time = {}) const;
+
   bool colour_;
+  bool times_;
 };
 
 }  // namespace tools

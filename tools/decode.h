@@ -38,6 +38,10 @@ DecodedRecord decodeUnsolicited(handset::ByteView record);
 /// Bytes that are these fields and have no header.
 DecodedRecord decodePlain(std::string_view title, Fields fields, handset::ByteView bytes);
 
+/// The status in an answer's header or, of a generic one, in its payload. A generic answer of length −1 says
+/// that nothing serves the request, one without a status that it was served.
+uint32_t answerStatus(const DecodedRecord& answer, handset::ByteView record);
+
 /// Whether this begins as CDMA requests and their answers do.
 bool isCdma(handset::ByteView record);
 /// Whether this is the answer to a generic request that nothing serves.

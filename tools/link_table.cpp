@@ -1,5 +1,7 @@
 #include "tools/link_table.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 #include "carrier/indications.h"
@@ -200,6 +202,14 @@ const LinkRow* findLink(Service service, uint32_t id) {
     return candidate.service == service && candidate.id == id;
   });
   return row == std::end(kLink) ? nullptr : row;
+}
+
+std::string messageName(Service service, uint32_t id) {
+  const handset::MessageRow* row = handset::findMessage(service, static_cast<uint16_t>(id));
+  if (row == nullptr) return fmt::format("{} 0x{:04X}", handset::serviceName(service), id);
+  std::string name(row->name);
+  std::replace(name.begin(), name.end(), ' ', '-');
+  return name;
 }
 
 std::optional<handset::Bytes> refusal(const handset::MessageRow& message, uint32_t error) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "handset/bytes.h"
@@ -28,6 +29,9 @@ std::span<const LinkRow> linkTable();
 
 /// The row of a message, or null when there is none.
 const LinkRow* findLink(handset::Service service, uint32_t id);
+
+/// A message as words have it: "rde-read"; "vendor 0x0123" for one that is not in the table.
+std::string messageName(handset::Service service, uint32_t id);
 
 /// The response that says that a message was not done: its result is not what the message has on success, its
 /// error is this one where there is room for it. Nothing when the message has no result.

@@ -22,12 +22,6 @@ constexpr int64_t kInt32Max = std::numeric_limits<int32_t>::max();
 constexpr int64_t kUint32Max = std::numeric_limits<uint32_t>::max();
 constexpr int64_t kDelayMax = 60'000;  // milliseconds
 
-std::string messageName(const handset::MessageRow& row) {
-  std::string name(row.name);
-  std::replace(name.begin(), name.end(), ' ', '-');
-  return name;
-}
-
 void need(Words arguments, size_t least, size_t most, std::string_view usage) {
   if (arguments.size() < least || arguments.size() > most)
     throw UsageError(fmt::format("that takes: {}", usage));
@@ -236,7 +230,7 @@ ModemOrder indication(Words words) {
 
 const handset::MessageRow& messageByName(std::string_view name) {
   for (const handset::MessageRow& row : handset::messageTable())
-    if (messageName(row) == name) return row;
+    if (messageName(row.service, row.id) == name) return row;
   const std::vector<std::string> names = messageNames();
   const std::vector<std::string_view> views(names.begin(), names.end());
   throw UsageError(fmt::format("the modem has no message '{}'{}", name, didYouMean(name, views)));
@@ -245,7 +239,7 @@ const handset::MessageRow& messageByName(std::string_view name) {
 std::vector<std::string> messageNames() {
   std::vector<std::string> names;
   for (const handset::MessageRow& row : handset::messageTable())
-    names.push_back(messageName(row));
+    names.push_back(messageName(row.service, row.id));
   return names;
 }
 

@@ -9,8 +9,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <system_error>
-
-#include "tools/decode.h"
+#include <utility>
 
 namespace tools {
 
@@ -45,7 +44,7 @@ void ProcessNews::begin() {
 void ProcessNews::finish() {
   News rest;
   takeMessages(rest, SIZE_MAX);
-  if (shows_logs_) rest.lines = station_.process().newLogs();
+  takeLines(rest);
   serving_ = false;
   show(rest);
 }
@@ -71,8 +70,8 @@ std::optional<bool> ProcessNews::waitOnce(int fd, const Interlude& interlude, De
     news.trouble =
         station_.trouble("nothing serves requests any more").what() + std::string("\nrestart starts it anew");
   }
-  if (shows_logs_ && station_.started()) news.lines = station_.process().newLogs();
-  if (!news.messages.empty() || !news.lines.empty() || !news.trouble.empty()) {
+  takeLines(news);
+  if (!news.happenings.empty() || !news.trouble.empty()) {
     interlude.before();
     show(news);
     interlude.after();
@@ -82,12 +81,13 @@ std::optional<bool> ProcessNews::waitOnce(int fd, const Interlude& interlude, De
 
 void ProcessNews::takeMessages(News& news, size_t most) {
   try {
-    while (hears_messages_ && news.messages.size() < most) {
+    while (hears_messages_ && news.messages < most) {
       std::optional<handset::Bytes> message = station_.process().nextUnsolicited(kAtOnce);
       if (!message) break;
-      news.messages.push_back(std::move(*message));
+      news.happenings.push_back({Clock::now(), std::move(*message)});
+      ++news.messages;
     }
-    if (!news.messages.empty()) return;
+    if (news.messages > 0) return;
     pollfd pipe{station_.process().unsolicitedFd(), POLLIN, 0};
     poll(&pipe, 1, 0);
     hears_messages_ = pipe.revents != POLLHUP;
@@ -97,12 +97,15 @@ void ProcessNews::takeMessages(News& news, size_t most) {
   }
 }
 
-void ProcessNews::show(const News& news) {
-  for (const std::string& line : news.lines)
-    console_.note(line);
-  for (const handset::Bytes& message : news.messages)
-    console_.record("message", decodeUnsolicited(message), message);
-  unclaimed_ += news.messages.size();
+void ProcessNews::takeLines(News& news) {
+  if (shows_logs_ && station_.started()) append(news.happenings, station_.process().newLogs());
+}
+
+void ProcessNews::show(News& news) {
+  sortByTime(news.happenings);
+  for (const Happening& happening : news.happenings)
+    tools::show(console_, happening);
+  unclaimed_ += news.messages;
   flushOutput();
   if (!news.trouble.empty()) report_(news.trouble);
 }
@@ -133,10 +136,12 @@ bool ProcessNews::waitForEnd(Millis timeout) {
   return true;
 }
 
-void ProcessNews::showLog() {
-  if (!shows_logs_ || !station_.started()) return;
-  station_.process().catchUpWithLog();
-  show({.lines = station_.process().newLogs()});
+void ProcessNews::showLines() {
+  if (!station_.started()) return;
+  if (shows_logs_) station_.process().catchUpWithLog();
+  News news;
+  takeLines(news);
+  show(news);
 }
 
 void ProcessNews::showLogs(bool on) {

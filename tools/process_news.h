@@ -9,6 +9,7 @@
 #include "handset/bytes.h"
 #include "handset/timeout.h"
 #include "tools/console.h"
+#include "tools/happening.h"
 #include "tools/station.h"
 
 namespace tools {
@@ -38,7 +39,7 @@ class ProcessNews {
   /// Gives a process that has closed a pipe the time to end, and shows that. False when it does not.
   bool waitForEnd(handset::Millis timeout);
   /// Shows the log lines that there are by now, when they are shown at all.
-  void showLog();
+  void showLines();
   void showLogs(bool on);
 
   /// Whether there is a process that serves requests.
@@ -46,8 +47,8 @@ class ProcessNews {
 
  private:
   struct News {
-    std::vector<handset::Bytes> messages;
-    std::vector<std::string> lines;
+    Happenings happenings;
+    size_t messages = 0;  // of the happenings
     std::string trouble;
   };
   using Deadline = std::optional<std::chrono::steady_clock::time_point>;
@@ -56,7 +57,8 @@ class ProcessNews {
   /// passed.
   std::optional<bool> waitOnce(int fd, const Interlude& interlude, Deadline deadline);
   void takeMessages(News& news, size_t most);
-  void show(const News& news);
+  void takeLines(News& news);
+  void show(News& news);
 
   Station& station_;
   const Console& console_;

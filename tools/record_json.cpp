@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 namespace tools {
 
 nlohmann::ordered_json toJson(const DecodedRecord& decoded, handset::ByteView bytes) {
@@ -19,6 +21,21 @@ nlohmann::ordered_json toJson(const DecodedRecord& decoded, handset::ByteView by
     record["problem_offset"] = decoded.problem->offset;
   }
   return record;
+}
+
+void addMoment(nlohmann::ordered_json& record, const Moment& moment, bool times) {
+  if (times && moment.time) record["time"] = secondsSinceStart(*moment.time);
+  if (moment.time && moment.since) record["took_ms"] = tookMs(*moment.since, *moment.time);
+}
+
+void addHappening(nlohmann::ordered_json& all, const Happening& happening, bool times) {
+  const auto add = [&](const char* list, nlohmann::ordered_json json) {
+    addMoment(json, {.time = happening.time}, times);
+    all[list].push_back(std::move(json));
+  };
+  if (const auto* line = std::get_if<std::string>(&happening.what)) add("log", {{"text", *line}});
+  if (const auto* message = std::get_if<handset::Bytes>(&happening.what))
+    add("messages", toJson(decodeUnsolicited(*message), *message));
 }
 
 void printJson(const nlohmann::ordered_json& value) {

@@ -5,13 +5,21 @@
 #include <string_view>
 
 #include "handset/bytes.h"
+#include "tools/console.h"
 #include "tools/decode.h"
+#include "tools/happening.h"
 
 namespace tools {
 
 /// {"title": ..., "hex": ..., "fields": [{"name", "value", "offset", "size", "hex"}, ...]}; "problem" and
 /// "problem_offset" as well where the record does not parse.
 nlohmann::ordered_json toJson(const DecodedRecord& decoded, handset::ByteView bytes);
+
+/// Adds "took_ms" where it is known, and the "time" in seconds since the start if that is wanted.
+void addMoment(nlohmann::ordered_json& record, const Moment& moment, bool times);
+
+/// Adds a happening to the list of its kind: {"text"} to "log", a record to "messages".
+void addHappening(nlohmann::ordered_json& all, const Happening& happening, bool times);
 
 /// Prints a value as text of two blanks' depth, with whatever is not UTF-8 replaced.
 void printJson(const nlohmann::ordered_json& value);

@@ -59,8 +59,9 @@ Deed readRequest(const Json& value, Reading& reading) {
   reading.request = request;
   return [request](Play& play) {
     play.request = {request, decodeRequest(request)};
-    const Bytes answer = play.station.ask(request);
-    play.answer = {answer, decodeAnswer(request, answer)};
+    const Answer answer = play.station.ask(request);
+    play.request->moment = {.time = answer.asked};
+    play.answer = {answer.bytes, decodeAnswer(request, answer.bytes), {answer.came, answer.asked}};
     // The log is complete then.
     play.station.process().waitForLogSince(play.log_mark, "Child process waiting for data");
   };
@@ -98,7 +99,8 @@ Deed readIndicate(const Json& value, Reading& reading) {
     }
     // Everything was written before the process came to the end of the indications.
     while (auto message = play.station.process().nextUnsolicited(handset::Millis(0)))
-      play.messages.push_back({*message, decodeUnsolicited(*message)});
+      play.messages.push_back(
+          {*message, decodeUnsolicited(*message), {.time = std::chrono::steady_clock::now()}});
   };
 }
 

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "core/ground/hook_message.h"
 #include "tools/difference.h"
 #include "tools/modem_control.h"
 #include "tools/scenario_files.h"
@@ -17,7 +16,6 @@ namespace tools {
 namespace {
 
 using handset::Bytes;
-using handset::ByteView;
 
 constexpr size_t kLogLinesShown = 8;
 /// Every action waits until its last line is logged, so that hardly any time has to be given.
@@ -50,23 +48,12 @@ uint32_t statusOf(const Json& value) {
                                didYouMean(textOf(value), names), fmt::join(names, ", ")));
 }
 
-/// The status in an answer's header or, of a generic one, in its payload. A generic answer of length −1 says
-/// that nothing serves the request, one without a status that it was served.
-uint32_t answerStatus(const PlayedRecord& answer) {
-  for (const DecodedField& field : answer.decoded.fields) {
-    const ByteView bytes = ByteView(answer.bytes).subspan(field.offset, field.size);
-    if (field.name == "length" && field.value == "-1") return kesext::HOOK_STATUS_NOT_SUPPORTED;
-    if (field.name == "status") return bytes.size() == 4 ? handset::getLe<uint32_t>(bytes, 0) : bytes[0];
-  }
-  return kesext::HOOK_STATUS_SUCCESS;
-}
-
 Deed readStatus(const Json& value, Reading& reading) {
   const RequestRow* row = needRequest(reading);
   if (row != nullptr && row->bare_answer)
     throw UsageError(fmt::format("the answer to {} has none", row->command));
   return [expected = statusOf(value)](Play& play) {
-    const uint32_t status = answerStatus(*play.answer);
+    const uint32_t status = answerStatus(play.answer->decoded, play.answer->bytes);
     if (status != expected)
       play.wrong.push_back(
           fmt::format("status: expected {}, not {}", describeStatus(expected), describeStatus(status)));

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/console.h"
 #include "tools/decode.h"
 #include "tools/station.h"
 
@@ -20,6 +21,7 @@ using Json = nlohmann::ordered_json;
 struct PlayedRecord {
   handset::Bytes bytes;
   DecodedRecord decoded;
+  Moment moment;
 };
 
 /// A step while it is played: what it works with, what came, and what was not as expected.

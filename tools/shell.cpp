@@ -4,6 +4,7 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <limits>
 #include <system_error>
@@ -24,7 +25,6 @@ namespace {
 using handset::Bytes;
 using handset::Millis;
 
-constexpr Millis kPatience{2000};
 constexpr Millis kEndGrace{500};
 constexpr int64_t kWaitDefault = 10;  // seconds
 constexpr int64_t kWaitMax = 3600;
@@ -108,16 +108,17 @@ void Shell::needProcess() const {
   if (!news_.serving()) throw UsageError("no process serves requests; restart starts one");
 }
 
-Bytes Shell::ask(handset::ByteView request) {
+Answer Shell::ask(handset::ByteView request) {
   handset::Parent& process = station_.process();
+  const handset::Instant asked = std::chrono::steady_clock::now();
   if (process.send(request)) {
-    if (!news_.waitToRead(process.responsesFd(), {}, kPatience)) {
-      console_.note(
-          "still waiting: the process gives the modem 15 s for each message; Ctrl-C ends the shell");
+    if (!news_.waitToRead(process.responsesFd(), {}, kUsualWait)) {
+      console_.note(station_.stillWaiting() + "; Ctrl-C ends the shell");
       flushOutput();
       news_.waitToRead(process.responsesFd());
     }
-    if (std::optional<Bytes> answer = process.nextResponse()) return *answer;
+    if (std::optional<Bytes> answer = process.nextResponse())
+      return {std::move(*answer), asked, std::chrono::steady_clock::now()};
   }
   if (news_.waitForEnd(kEndGrace)) throw UsageError("so no answer came");
   throw station_.trouble("no answer came");
@@ -127,11 +128,12 @@ void Shell::askRequest(Words words) {
   const Bytes request = encodeWords(words);
   needProcess();
   // Its title is enough: the fields have just been typed.
-  console_.record("request", {.title = decodeRequest(request).title, .fields = {}}, request);
+  console_.record("request", {.title = decodeRequest(request).title, .fields = {}}, request,
+                  {.time = std::chrono::steady_clock::now()});
   flushOutput();
-  const Bytes answer = ask(request);
-  news_.showLog();
-  console_.record("answer", decodeAnswer(request, answer), answer);
+  const Answer answer = ask(request);
+  news_.showLines();
+  console_.record("answer", decodeAnswer(request, answer.bytes), answer.bytes, {answer.came, answer.asked});
 }
 
 void Shell::tellModem(Words words) {
@@ -153,11 +155,11 @@ void Shell::showLogs(Words words) {
   if (which == "on" || which == "off") return news_.showLogs(which == "on");
   if (which != "since") throw UsageError("log takes on, off or since");
   station_.process().catchUpWithLog();
-  const std::vector<std::string> lines = station_.process().logsSince(log_seen_);
+  const std::vector<handset::StampedLine> lines = station_.process().stampedLogsSince(log_seen_);
   log_seen_ += lines.size();
   if (lines.empty()) console_.note("(nothing)");
-  for (const std::string& line : lines)
-    console_.note(line);
+  for (const handset::StampedLine& line : lines)
+    console_.note(line.text, line.time);
 }
 
 void Shell::listFiles(Words /*words*/) {
@@ -224,7 +226,7 @@ void Shell::restart(Words /*words*/) {
   log_seen_ = 0;
   station_.start();
   news_.begin();
-  news_.showLog();
+  news_.showLines();
   console_.note(fmt::format("process {} serves requests", station_.process().pid()));
 }
 

@@ -47,7 +47,7 @@ class Shell {
   void execute(Words words);
   std::optional<int> endProcess();
   void needProcess() const;
-  handset::Bytes ask(handset::ByteView request);
+  Answer ask(handset::ByteView request);
 
   void askRequest(Words words);
   void tellModem(Words words);

@@ -11,6 +11,7 @@
 #include <system_error>
 #include <utility>
 
+#include "tools/link_table.h"
 #include "tools/usage_error.h"
 
 namespace tools {
@@ -19,6 +20,7 @@ namespace {
 
 using handset::Bytes;
 using handset::ByteView;
+using handset::Instant;
 
 constexpr size_t kLastLines = 8;
 /// A process that closes its pipes is given this long to end.
@@ -129,10 +131,24 @@ std::optional<int> Station::waitForEnd(handset::Millis timeout) {
   return status;
 }
 
-Bytes Station::ask(ByteView request) {
-  const std::optional<Bytes> answer = process_->ask(request, kAnswerTimeout);
+Answer Station::ask(ByteView request, const std::function<void()>& still_waiting) {
+  const Instant asked = std::chrono::steady_clock::now();
+  std::optional<Bytes> answer = process_->ask(request, kUsualWait);
+  if (!answer && std::chrono::steady_clock::now() - asked >= kUsualWait) {
+    still_waiting();
+    answer = process_->nextResponse(kAnswerTimeout);
+  }
   if (!answer) throw trouble("no answer came");
-  return *answer;
+  return {std::move(*answer), asked, std::chrono::steady_clock::now()};
+}
+
+std::string Station::stillWaiting() {
+  const std::string text = fmt::format("still waiting, after {} s: ", kUsualWait.count() / 1000);
+  const auto message = modem_is_shared_ ? std::nullopt : modem_.waitedFor();
+  const auto patience = handset::kProcessPatience.count() / 1000;
+  if (!message) return text + fmt::format("the process gives the modem {} s for each message", patience);
+  return text + fmt::format("the modem has not answered {}; the process gives it {} s",
+                            messageName(message->first, message->second), patience);
 }
 
 Bytes Station::nextUnsolicited() {

@@ -1,6 +1,7 @@
 // A bench: a handset folder, its simulated modem, and the process between the two.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -29,6 +30,15 @@ struct StationOptions {
   bool share_modem = false;  // use a modem that runs in the folder already
 };
 
+struct Answer {
+  handset::Bytes bytes;
+  handset::Instant asked;
+  handset::Instant came;
+};
+
+/// How long a wait for an answer is nothing to speak of.
+inline constexpr handset::Millis kUsualWait{2000};
+
 class Station {
  public:
   /// Starts the modem, but not the process. Throws UsageError when another one runs in the folder and is not
@@ -44,8 +54,12 @@ class Station {
   std::optional<int> end();
   [[nodiscard]] bool started() const { return process_.has_value(); }
 
-  /// The answer to a request. Throws ProcessTrouble when none comes.
-  handset::Bytes ask(handset::ByteView request);
+  /// The answer to a request; `still_waiting` is told when it takes longer than kUsualWait. Throws
+  /// ProcessTrouble when none comes.
+  Answer ask(
+      handset::ByteView request, const std::function<void()>& still_waiting = [] {});
+  /// "still waiting, after 2 s: ..." with what the process waits for, as far as that is known.
+  std::string stillWaiting();
   /// The next unsolicited message. Throws ProcessTrouble when none comes.
   handset::Bytes nextUnsolicited();
   /// Waits until the process has handled every indication that was sent before: one that it knows nothing of

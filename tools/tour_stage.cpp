@@ -50,8 +50,9 @@ void TourStage::ask(std::string_view title, std::string_view words, ByteView exp
   console_.note(typed(words));
   const Bytes request = encodeWords(splitWords(words));
   console_.record("request", decodeRequest(request), request);
-  last_answer_ = station_.ask(request);
-  console_.record("answer", decodeAnswer(request, last_answer_), last_answer_);
+  const Answer answer = station_.ask(request);
+  last_answer_ = answer.bytes;
+  console_.record("answer", decodeAnswer(request, last_answer_), last_answer_, {answer.came, answer.asked});
   compare(last_answer_, expected);
 }
 
