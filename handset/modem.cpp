@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -103,6 +104,8 @@ void Modem::restore(Service service, uint16_t id) {
 
 size_t Modem::indicate(Service service, uint16_t id, ByteView body) {
   const auto header = recordBytes(FrameHeader{FrameKind::indication, service, id, 0, 0});
+  const Instant now = SocketServer::Clock::now();
+  record({service, id, true, Bytes(body.begin(), body.end()), now, now, std::nullopt});
   return sendRaw(service, concat(header, body));
 }
 
@@ -150,6 +153,27 @@ void Modem::recordRequests(bool on) {
 
 void Modem::forgetAnswered(Instant now) {
   std::erase_if(open_, [now](const OpenRequest& request) { return request.until <= now; });
+}
+
+void Modem::record(Crossing crossing) {
+  const std::scoped_lock lock(mutex_);
+  if (records_crossings_) crossings_.push_back(std::move(crossing));
+}
+
+void Modem::recordCrossings(bool on) {
+  const std::scoped_lock lock(mutex_);
+  records_crossings_ = on;
+  crossings_.clear();
+}
+
+std::vector<Crossing> Modem::takeCrossings() {
+  const std::scoped_lock lock(mutex_);
+  const Instant now = SocketServer::Clock::now();
+  const auto later = std::stable_partition(crossings_.begin(), crossings_.end(),
+                                           [now](const Crossing& crossing) { return crossing.done <= now; });
+  std::vector<Crossing> done(std::make_move_iterator(crossings_.begin()), std::make_move_iterator(later));
+  crossings_.erase(crossings_.begin(), later);
+  return done;
 }
 
 std::optional<std::pair<Service, uint16_t>> Modem::waitedFor() {
@@ -231,6 +255,7 @@ void Modem::onConnect(ConnectionId id, Service service) {
 }
 
 void Modem::onRequest(ConnectionId id, const FrameHeader& header, ByteView body) {
+  const Instant asked = SocketServer::Clock::now();
   std::shared_ptr<const Rule> rule;
   {
     const std::scoped_lock lock(mutex_);
@@ -246,20 +271,26 @@ void Modem::onRequest(ConnectionId id, const FrameHeader& header, ByteView body)
     if (found != rules_.end()) rule = found->second;
     if (rule != nullptr && (rule->silent || rule->delay > Millis::zero())) {
       const Millis open_for = rule->silent ? kProcessPatience : std::min(rule->delay, kProcessPatience);
-      const Instant now = SocketServer::Clock::now();
-      forgetAnswered(now);
-      open_.push_back({header.service, header.message_id, now + open_for});
+      forgetAnswered(asked);
+      open_.push_back({header.service, header.message_id, asked + open_for});
     }
   }
-  if (rule != nullptr && rule->silent) return;
+  const auto recordAs = [&](Instant done, std::optional<Reply> reply) {
+    record({header.service, header.message_id, false, Bytes(body.begin(), body.end()), asked, done,
+            std::move(reply)});
+  };
+  if (rule != nullptr && rule->silent) return recordAs(asked, std::nullopt);
 
   const Reply reply = replyTo(header, body, rule.get());
   const auto answer =
       recordBytes(responseHeader(header.service, header.message_id, header.transaction, reply.code));
   const ByteView answer_body = reply.code == 0 ? ByteView(reply.body) : ByteView{};
+  const Instant now = SocketServer::Clock::now();
   if (rule != nullptr && rule->delay > Millis::zero()) {
-    server_.sendLater(id, SocketServer::Clock::now() + rule->delay, concat(answer, answer_body));
+    recordAs(now + rule->delay, reply);
+    server_.sendLater(id, now + rule->delay, concat(answer, answer_body));
   } else {
+    recordAs(now, reply);
     server_.send(id, answer, answer_body);
   }
 }

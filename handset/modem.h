@@ -49,6 +49,17 @@ struct Received {
   ConnectionId connection = 0;
 };
 
+/// Something that crossed the link: a request and what became of it, or an indication.
+struct Crossing {
+  Service service{};
+  uint16_t id = 0;
+  bool indication = false;
+  Bytes body;  // of the request or the indication
+  Instant asked;
+  Instant done;                // when the answer went; the same for an indication or when there is no answer
+  std::optional<Reply> reply;  // none: a silenced request, or an indication
+};
+
 /// Everything may be called from any thread, but start() and stop() only from one at a time and never from a
 /// handler.
 class Modem {
@@ -103,6 +114,10 @@ class Modem {
   std::vector<Received> takeRequests();
   /// Whether requests are recorded; they are at first.
   void recordRequests(bool on);
+  /// Whether crossings are recorded; they are not at first. Those that were are forgotten.
+  void recordCrossings(bool on);
+  /// The recorded crossings that are done by now, which are then no longer recorded.
+  std::vector<Crossing> takeCrossings();
   /// The message that the process has been waiting for longest, because it is silenced or delayed; nothing
   /// when there is none.
   std::optional<std::pair<Service, uint16_t>> waitedFor();
@@ -134,6 +149,7 @@ class Modem {
   };
 
   void forgetAnswered(Instant now);
+  void record(Crossing crossing);
   void onPacket(ConnectionId id, ByteView packet);
   void onClosed(ConnectionId id);
   void onLookup(ConnectionId id, Service service);
@@ -155,6 +171,8 @@ class Modem {
   std::map<std::pair<Service, uint16_t>, std::shared_ptr<const Rule>> rules_;
   std::vector<Received> requests_;
   std::vector<OpenRequest> open_;
+  std::vector<Crossing> crossings_;
+  bool records_crossings_ = false;
   bool recording_ = true;
 
   SocketServer server_;  // last: its thread uses all of the above

@@ -73,12 +73,14 @@ TEST_F(Play, ThePlayGoesOnBehindAStepThatIsWrongAndShowsWhatCame) {
         "exit: expected 3, but the process has ended with status 0", "3 of 8 steps as expected"})
     EXPECT_THAT(result.out, HasSubstr(said));
 
-  const auto results = nlohmann::json::parse(RunTool({"play", "--json", scenario}).out);
+  const auto results = nlohmann::json::parse(RunTool({"play", "--json", "--trace", scenario}).out);
   ASSERT_EQ(results.size(), 8U);
   EXPECT_EQ(results[1]["result"], "ok");
   EXPECT_EQ(results[2]["result"], "WRONG");
   EXPECT_EQ(results[2]["wrong"][1], "length: expected 3, not 2");
   EXPECT_EQ(results[3]["messages"].size(), 2U);
+  EXPECT_EQ(results[2]["trace"][0]["message"], "rde-read");
+  EXPECT_EQ(results[3]["trace"].size(), 3U);  // with the one that tells that all were heard
 }
 
 TEST_F(Play, AFileThatIsWrongIsSaidWithThePlaceBeforeAnythingStarts) {

@@ -21,6 +21,7 @@ using handset::hex;
 using handset::le32;
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
+using ::testing::Not;
 using ::testing::StartsWith;
 using Send = ToolTest;
 
@@ -147,6 +148,35 @@ TEST_F(Send, WhatTheProcessSaysAndReportsIsShownWithItsTime) {
   EXPECT_EQ(all["log"][0]["text"], "E RIL-KESEXT: Read 18 bytes from pipe");
   EXPECT_LT(all["request"]["time"], all["answer"]["time"]);
   EXPECT_GT(all["answer"]["took_ms"], 2200);
+}
+
+TEST_F(Send, WhatCrossesTheModemLinkIsTracedInWords) {
+  const ToolResult result = RunTool({"shell", "--trace"},
+                                    "modem fail utility 71\nmodem refuse bsr-timer-read 25\n"
+                                    "modem delay rde-read 100\nsysinfo-filter 1\nrde write 10017 0102030400\n"
+                                    "rde read 10017\nrde read 5\nbsr-timer get\nfactory-reset\ntrace off\n"
+                                    "pfp\ntrace on\nmodem indicate pfp 1 2\nplmn 310 120\ntrace\n");
+  EXPECT_EQ(result.err, "line 15: trace takes on or off\n");
+  EXPECT_THAT(result.out, Not(HasSubstr("modem    pfp")));
+  for (const char* traced :
+       {"    modem    utility: type 5, len 1, req_data 01\n             refused with code 71 (an unknown "
+        "message) in 0.",
+        "rde-write: rde_index 10017 (0x2721), record_num 0, offset 0, length 5, data_len 5, data 01 02 03 04 "
+        "00\n"
+        "             success in 0.",
+        " ms: length 5, data_len 5, data 01 02 03 04 00\n", "failure in 10",
+        " ms: error 16 (no such element)\n", "bsr-timer-read\n             failure in 0.",
+        " ms: error 25, timer 0\n", "factory-reset: reset_flag 0xFF\n             success in 0.",
+        "modem    indicates pfp: rat 1, tbl_idx 2\n",
+        "short_name_length 7, short_name 54 65 73 74 6E 65 74\n    answer"})
+    EXPECT_THAT(result.out, HasSubstr(traced));
+  const nlohmann::json trace = sendJson(
+      {"--trace", "--modem", "silent rde-read", "--modem", "indicate test", "bsr-timer", "get"})["trace"];
+  ASSERT_EQ(trace.size(), 2U);
+  EXPECT_EQ(trace[0]["indication"], "test");
+  EXPECT_EQ(trace[1]["message"], "bsr-timer-read");
+  EXPECT_EQ(trace[1]["outcome"], "success");
+  EXPECT_EQ(trace[1]["response"]["hex"], "01000000000000002C010000");
 }
 
 TEST_F(Send, AProcessThatDiesIsShownWithItsEndAndItsLog) {

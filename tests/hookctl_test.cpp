@@ -25,11 +25,16 @@ class Hookctl : public ToolTest {
 TEST_F(Hookctl, AModemAloneServesOthersAndDoesWhatItIsTold) {
   RunningTool modem({"modem", "--root", root_});
   modem.type("fail utility 90\n");
-  ASSERT_TRUE(modem.waitForOutput("told    fail utility 90"));
+  ASSERT_TRUE(modem.waitForOutput("told     fail utility 90"));
   const ToolResult sent = RunTool({"send", "--root", root_, "sysinfo-filter", "1"});
   EXPECT_EQ(sent.status, 0);
   EXPECT_THAT(sent.out, HasSubstr("status       5 (failure)"));
-  EXPECT_TRUE(modem.waitForOutput("vendor  0x000F utility"));
+  EXPECT_TRUE(
+      modem.waitForOutput("    modem    utility: type 5, len 1, req_data 01\n"
+                          "             refused with code 90 in 0."));
+  const ToolResult traced = RunTool({"send", "--root", root_, "--trace", "nam", "read"});
+  EXPECT_EQ(traced.status, 2);
+  EXPECT_THAT(traced.err, HasSubstr("is another tool's: its own console shows what it is asked"));
   const ToolResult refused = RunTool({"send", "--root", root_, "--modem", "stop", "nam", "read"});
   EXPECT_EQ(refused.status, 2);
   EXPECT_THAT(refused.err, HasSubstr("a modem runs in " + root_ + " already"));

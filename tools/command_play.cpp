@@ -18,6 +18,7 @@ struct PlayOptions {
   std::string root;
   bool json = false;
   bool times = false;
+  bool trace = false;
 };
 
 /// Does a step. False when the process is of no more use.
@@ -36,16 +37,18 @@ bool doStep(const Step& step, Play& play) {
 
 void showStep(const Console& console, size_t number, const Step& step, const Play& play) {
   console.outcome(number, play.wrong.empty() ? Outcome::good : Outcome::wrong, step.title);
+  for (const Happening& happening : play.crossings)
+    show(console, happening);
   if (play.wrong.empty()) return;
   for (const std::string& text : play.wrong)
     console.note(text);
-  const auto show = [&](std::string_view direction, const PlayedRecord& record) {
+  const auto showRecord = [&](std::string_view direction, const PlayedRecord& record) {
     console.record(direction, record.decoded, record.bytes, record.moment);
   };
-  if (play.request) show("request", *play.request);
-  if (play.answer) show("answer", *play.answer);
+  if (play.request) showRecord("request", *play.request);
+  if (play.answer) showRecord("answer", *play.answer);
   for (const PlayedRecord& message : play.messages)
-    show("message", message);
+    showRecord("message", message);
 }
 
 Json describeStep(size_t number, const Step& step, const Play& play, bool times) {
@@ -63,6 +66,8 @@ Json describeStep(size_t number, const Step& step, const Play& play, bool times)
   if (!play.messages.empty()) result["messages"] = Json::array();
   for (const PlayedRecord& message : play.messages)
     result["messages"].push_back(record(message));
+  for (const Happening& happening : play.crossings)
+    addHappening(result, happening, times);
   return result;
 }
 
@@ -71,6 +76,7 @@ bool play(const Scenario& scenario, Station& station, const PlayOptions& options
   Json results = Json::array();
   size_t good = 0;
   bool goes_on = true;
+  station.modem().recordCrossings(options.trace);
   if (!options.json && !scenario.title.empty()) console.section(scenario.title);
   for (size_t i = 0; i < scenario.steps.size(); ++i) {
     const Step& step = scenario.steps[i];
@@ -83,6 +89,8 @@ bool play(const Scenario& scenario, Station& station, const PlayOptions& options
     }
     Play played(station);
     goes_on = doStep(step, played);
+    append(played.crossings, station.modem().takeCrossings());
+    sortByTime(played.crossings);
     if (played.wrong.empty()) ++good;
     results.push_back(describeStep(number, step, played, options.times));
     if (!options.json) showStep(console, number, step, played);
@@ -104,6 +112,7 @@ void addPlayCommand(CLI::App& tool, Common& common) {
   command->add_option("file", options->file, "the scenario, a JSON file")->required();
   command->add_option("--root", options->root, "a handset folder that is kept; without it, a fresh one")
       ->option_text("FOLDER");
+  command->add_flag("--trace", options->trace, kTraceHelp);
   command->add_flag("--times", options->times, kTimesHelp);
   command->add_flag("--json", options->json, "for scripts: an array of the steps' results");
   command->footer(scenarioFormat() +

@@ -30,6 +30,7 @@ struct SendOptions {
   int instance = 0;
   std::optional<double> messages;  // seconds
   bool log = false;
+  bool trace = false;
   bool times = false;
   bool check = false;
   bool json = false;
@@ -53,10 +54,10 @@ class Sending {
 
  private:
   void prepare();
-  void takeLog();
+  void takeNews();
   void waitForMessages(double seconds);
-  /// Shows what has been taken up to this moment; for scripts it is kept until the end.
-  void showTaken(handset::Instant until);
+  /// Takes what there is by now and shows it; for scripts it is kept until the end.
+  void showNews();
   void printAll(const Answer& answer) const;
 
   const SendOptions& options_;
@@ -72,25 +73,31 @@ void Sending::prepare() {
   // What the start leads to does not follow the request.
   while (options_.messages && station_.process().nextUnsolicited(handset::Millis(0))) {
   }
+  if (options_.trace) {
+    station_.needOwnModem("its own console shows what it is asked");
+    station_.modem().recordCrossings(true);
+  }
   for (const std::string& line : options_.modem_lines)
     commandModem(station_.modem(), splitWords(line));
   log_mark_ = station_.process().logMark();
 }
 
-void Sending::takeLog() {
-  if (!options_.log) return;
-  std::vector<handset::StampedLine> lines = station_.process().stampedLogsSince(log_mark_);
-  log_mark_ += lines.size();
-  append(taken_, std::move(lines));
+void Sending::takeNews() {
+  if (options_.log) {
+    std::vector<handset::StampedLine> lines = station_.process().stampedLogsSince(log_mark_);
+    log_mark_ += lines.size();
+    append(taken_, std::move(lines));
+  }
+  append(taken_, station_.modem().takeCrossings());
   sortByTime(taken_);
 }
 
-void Sending::showTaken(handset::Instant until) {
+void Sending::showNews() {
+  takeNews();
   if (options_.json) return;
-  const auto later = std::find_if(taken_.begin(), taken_.end(),
-                                  [until](const Happening& happening) { return happening.time > until; });
-  std::for_each(taken_.begin(), later, [this](const Happening& happening) { show(console_, happening); });
-  taken_.erase(taken_.begin(), later);
+  for (const Happening& happening : taken_)
+    show(console_, happening);
+  taken_.clear();
   flushOutput();
 }
 
@@ -103,11 +110,9 @@ void Sending::waitForMessages(double seconds) {
         station_.process().nextUnsolicited(std::max(left, handset::Millis(0)));
     if (!message) break;
     taken_.push_back({Clock::now(), std::move(*message)});
-    takeLog();
-    showTaken(Clock::now());
+    showNews();
   }
-  takeLog();
-  showTaken(Clock::now());
+  showNews();
 }
 
 bool Sending::run() {
@@ -116,14 +121,15 @@ bool Sending::run() {
     console_.record("request", decodeRequest(request_), request_, {.time = Clock::now()});
     flushOutput();
   }
+  const size_t log_mark = log_mark_;
   const Answer answer = station_.ask(request_, [this] { complain("hookctl: " + station_.stillWaiting()); });
-  // Its last line comes behind the answer.
-  if (options_.log) station_.process().waitForLogSince(log_mark_, "Child process waiting for data");
-  takeLog();
-  showTaken(answer.came);
+  // What was logged before the answer is shown before it.
+  if (options_.log) station_.process().catchUpWithLog();
+  showNews();
   const DecodedRecord decoded = decodeAnswer(request_, answer.bytes);
   if (!options_.json) console_.record("answer", decoded, answer.bytes, {answer.came, answer.asked});
-  showTaken(Clock::now());
+  if (options_.log) station_.process().waitForLogSince(log_mark, "Child process waiting for data");
+  showNews();
   if (options_.messages) waitForMessages(*options_.messages);
   station_.end();
   if (options_.json) printAll(answer);
@@ -140,6 +146,7 @@ void Sending::printAll(const Answer& answer) const {
            {"answer",
             timed(toJson(decodeAnswer(request_, answer.bytes), answer.bytes), {answer.came, answer.asked})}};
   if (options_.log) all["log"] = Json::array();
+  if (options_.trace) all["trace"] = Json::array();
   if (options_.messages) all["messages"] = Json::array();
   for (const Happening& happening : taken_)
     addHappening(all, happening, options_.times);
@@ -170,6 +177,7 @@ void addSendCommand(CLI::App& tool, Common& common) {
       ->add_option("--messages", options->messages, "also the unsolicited messages that follow for so long")
       ->check(CLI::Range(0.0, 3600.0))
       ->option_text("SECONDS");
+  command->add_flag("--trace", options->trace, kTraceHelp);
   command->add_flag("--times", options->times, kTimesHelp);
   command->add_flag("--check", options->check, "the status is 1 unless the answer's is success");
   command->add_flag("--json", options->json, "for scripts: all of it, with fields and bytes");
@@ -184,7 +192,7 @@ void addSendCommand(CLI::App& tool, Common& common) {
       "  hookctl send nam write mdn=5551234560 min=6195551234 mcc=310 imsi11_12=12 spc=000000\n"
       "  hookctl send --json plmn 310 120\n"
       "  hookctl send --modem 'fail utility 90' sysinfo-filter 1\n"
-      "  hookctl send --log --times nam read\n"
+      "  hookctl send --log --trace --times nam read\n"
       "  hookctl send --check bsr-timer set 30 && echo done\n"
       "  hookctl send --messages 5 coverage 7 start");
   command->callback([&common, options] {

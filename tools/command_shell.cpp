@@ -18,6 +18,7 @@ struct ShellOptions {
   std::string root;
   int instance = 0;
   bool times = false;
+  bool trace = false;
 };
 
 std::unique_ptr<LineSource> linesFor(Shell& shell, bool prompts) {
@@ -29,9 +30,10 @@ std::unique_ptr<LineSource> linesFor(Shell& shell, bool prompts) {
       "hook> ", wait, [syntax = Shell::syntax()](std::string_view line) { return complete(syntax, line); });
 }
 
-int converse(Station& station, const Console& console) {
+int converse(Station& station, const Console& console, bool trace) {
   const bool prompts = isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1;
   Shell shell(station, console);
+  if (trace) shell.trace(true);
   if (prompts)
     fmt::print("process {} serves requests in {}; help tells what to type, Ctrl-D ends\n",
                station.process().pid(), station.folder().root());
@@ -61,6 +63,7 @@ void addShellCommand(CLI::App& tool, Common& common) {
                    "a fresh one")
       ->option_text("FOLDER");
   command->add_option("--instance", options->instance, "the process's instance id")->option_text("N");
+  command->add_flag("--trace", options->trace, kTraceHelp);
   command->add_flag("--times", options->times, kTimesHelp);
   command->footer(
       "A line is a request by name, with its arguments in order or as FIELD=VALUE, or one of\n" +
@@ -86,7 +89,7 @@ void addShellCommand(CLI::App& tool, Common& common) {
                      .instance_id = options->instance,
                      .share_modem = true});
     station.start();
-    common.status = converse(station, Console(common.colour, options->times));
+    common.status = converse(station, Console(common.colour, options->times), options->trace);
   });
 }
 

@@ -15,6 +15,8 @@ inline constexpr int kStatusUsage = 2;
 
 inline constexpr const char* kTimesHelp = "what is shown begins with its time: seconds since the start";
 
+inline constexpr const char* kTraceHelp = "also what the modem is asked and answers, and what it indicates";
+
 /// What all commands share.
 struct Common {
   std::string executable;  // the process

@@ -108,6 +108,12 @@ void Console::record(std::string_view direction, const DecodedRecord& decoded, h
                decoded.problem->text, paint(kPlain));
 }
 
+void Console::trace(const std::vector<std::string>& lines, std::optional<handset::Instant> time) const {
+  for (size_t i = 0; i < lines.size(); ++i)
+    fmt::print("{}{}{:<8} {}{}\n", margin(i == 0 ? time : std::nullopt), paint(kDim), i == 0 ? "modem" : "",
+               lines[i], paint(kPlain));
+}
+
 void Console::block(std::string_view lines) const {
   fmt::print("\n{}\n", lines);
 }

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "handset/bytes.h"
 #include "handset/timeout.h"
@@ -50,6 +51,8 @@ class Console {
   /// One record: a row for each field, its bytes on the left; in the end where it stops making sense.
   void record(std::string_view direction, const DecodedRecord& decoded, handset::ByteView bytes,
               const Moment& moment = {}) const;
+  /// What crossed the modem link: its line, and one below for what became of it.
+  void trace(const std::vector<std::string>& lines, std::optional<handset::Instant> time = {}) const;
   void note(std::string_view text, std::optional<handset::Instant> time = {}) const;
   /// Lines of text, each ending in a line feed, as they stand.
   void block(std::string_view lines) const;

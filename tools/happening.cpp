@@ -4,12 +4,18 @@
 #include <utility>
 
 #include "tools/decode.h"
+#include "tools/link_trace.h"
 
 namespace tools {
 
 void append(Happenings& all, std::vector<handset::StampedLine> lines) {
   for (handset::StampedLine& line : lines)
     all.push_back({line.time, std::move(line.text)});
+}
+
+void append(Happenings& all, std::vector<handset::Crossing> crossings) {
+  for (handset::Crossing& crossing : crossings)
+    all.push_back({crossing.done, std::move(crossing)});
 }
 
 void sortByTime(Happenings& happenings) {
@@ -19,6 +25,8 @@ void sortByTime(Happenings& happenings) {
 
 void show(const Console& console, const Happening& happening) {
   if (const auto* line = std::get_if<std::string>(&happening.what)) console.note(*line, happening.time);
+  if (const auto* crossing = std::get_if<handset::Crossing>(&happening.what))
+    console.trace(traceLines(*crossing), happening.time);
   if (const auto* message = std::get_if<handset::Bytes>(&happening.what))
     console.record("message", decodeUnsolicited(*message), *message, {.time = happening.time});
 }

@@ -7,6 +7,7 @@
 
 #include "handset/bytes.h"
 #include "handset/line_reader.h"
+#include "handset/modem.h"
 #include "handset/timeout.h"
 #include "tools/console.h"
 
@@ -14,12 +15,14 @@ namespace tools {
 
 struct Happening {
   handset::Instant time;
-  std::variant<std::string, handset::Bytes> what;  // a line of the log; an unsolicited message
+  /// A line of the log; an unsolicited message; what crossed the modem link.
+  std::variant<std::string, handset::Bytes, handset::Crossing> what;
 };
 
 using Happenings = std::vector<Happening>;
 
 void append(Happenings& all, std::vector<handset::StampedLine> lines);
+void append(Happenings& all, std::vector<handset::Crossing> crossings);
 void sortByTime(Happenings& happenings);
 void show(const Console& console, const Happening& happening);
 

@@ -44,7 +44,7 @@ constexpr FieldSpec kNetworkName[] = {{"result", 4, number},
                                       {"unread", 27, bytes},
                                       {"short_name_encoding", 4, number},
                                       {"unread", 8, bytes},
-                                      {"short_name_length", 2, number, kCount},
+                                      {"short_name_length", 2, number},
                                       {"unread", 2, bytes},
                                       {"short_name", 3892, bytes}};
 constexpr FieldSpec kSignal[] = {{"result", 4, number},         {"error", 4, number},

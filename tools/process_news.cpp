@@ -19,6 +19,7 @@ using Clock = std::chrono::steady_clock;
 using handset::Millis;
 
 constexpr Millis kAtOnce{0};
+constexpr Millis kGlance{100};
 /// Of one turn, so that somebody can still type while messages come without end.
 constexpr size_t kMessagesAtOnce = 32;
 
@@ -57,8 +58,11 @@ std::optional<bool> ProcessNews::waitOnce(int fd, const Interlude& interlude, De
   watched[kMessages] = {serving_ && hears_messages_ ? station_.process().unsolicitedFd() : -1, POLLIN, 0};
   watched[kLog] = {shows_logs_ && station_.started() ? station_.process().newLogsFd() : -1, POLLIN, 0};
   watched[kProcess] = {serving_ ? station_.process().processFd() : -1, POLLIN, 0};
-  const int ready = poll(watched, kCount, pollTime(deadline));
-  if (ready == 0) return std::nullopt;
+  // A trace wakes nobody, so it is looked after now and then.
+  const Deadline glance = Clock::now() + kGlance;
+  const bool glances = shows_trace_ && (!deadline || *glance < *deadline);
+  const int ready = poll(watched, kCount, pollTime(glances ? glance : deadline));
+  if (ready == 0 && !glances) return std::nullopt;
   if (ready < 0) return false;
   if ((watched[kOutput].revents & POLLERR) != 0)
     throw std::system_error(EPIPE, std::generic_category(), "standard output");
@@ -99,6 +103,7 @@ void ProcessNews::takeMessages(News& news, size_t most) {
 
 void ProcessNews::takeLines(News& news) {
   if (shows_logs_ && station_.started()) append(news.happenings, station_.process().newLogs());
+  if (shows_trace_) append(news.happenings, station_.modem().takeCrossings());
 }
 
 void ProcessNews::show(News& news) {
@@ -142,6 +147,11 @@ void ProcessNews::showLines() {
   News news;
   takeLines(news);
   show(news);
+}
+
+void ProcessNews::showTrace(bool on) {
+  shows_trace_ = on;
+  station_.modem().recordCrossings(on);
 }
 
 void ProcessNews::showLogs(bool on) {

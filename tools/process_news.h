@@ -38,9 +38,11 @@ class ProcessNews {
   bool waitForMessage(handset::Millis timeout);
   /// Gives a process that has closed a pipe the time to end, and shows that. False when it does not.
   bool waitForEnd(handset::Millis timeout);
-  /// Shows the log lines that there are by now, when they are shown at all.
+  /// Shows what there is by now of the log and the trace, as far as they are shown at all.
   void showLines();
   void showLogs(bool on);
+  /// What crosses the modem link.
+  void showTrace(bool on);
 
   /// Whether there is a process that serves requests.
   [[nodiscard]] bool serving() const { return serving_; }
@@ -65,6 +67,7 @@ class ProcessNews {
   std::function<void(const std::string&)> report_;
   bool serving_ = false;
   bool shows_logs_ = false;
+  bool shows_trace_ = false;
   bool hears_messages_ = false;  // the pipe has not ended
   size_t unclaimed_ = 0;         // messages that were shown and not yet waited for
 };

@@ -15,10 +15,15 @@ namespace tools {
 /// "problem_offset" as well where the record does not parse.
 nlohmann::ordered_json toJson(const DecodedRecord& decoded, handset::ByteView bytes);
 
+/// {"message" or "indication", "service", "id", "request" or "body", "outcome", "code", "response",
+/// "took_ms"}.
+nlohmann::ordered_json toJson(const handset::Crossing& crossing);
+
 /// Adds "took_ms" where it is known, and the "time" in seconds since the start if that is wanted.
 void addMoment(nlohmann::ordered_json& record, const Moment& moment, bool times);
 
-/// Adds a happening to the list of its kind: {"text"} to "log", a record to "messages".
+/// Adds a happening to the list of its kind: {"text"} to "log", a record to "messages", an
+/// exchange or an indication to "trace".
 void addHappening(nlohmann::ordered_json& all, const Happening& happening, bool times);
 
 /// Prints a value as text of two blanks' depth, with whatever is not UTF-8 replaced.

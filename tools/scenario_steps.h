@@ -12,6 +12,7 @@
 
 #include "tools/console.h"
 #include "tools/decode.h"
+#include "tools/happening.h"
 #include "tools/station.h"
 
 namespace tools {
@@ -34,6 +35,7 @@ struct Play {
   std::optional<PlayedRecord> request;
   std::optional<PlayedRecord> answer;
   std::vector<PlayedRecord> messages;
+  Happenings crossings;     // of the modem link, when they are recorded
   std::optional<int> exit;  // of the process that the step ended
   std::vector<std::string> wrong;
 };

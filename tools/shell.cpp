@@ -50,6 +50,7 @@ constexpr Shell::Command Shell::kCommands[] = {
     {"wait", "[SECONDS]", "waits for one more unsolicited message", 1, &Shell::waitForMessage},
     {"log", "on|off|since", "the process's log: as it comes; not; since the last 'log since'", 1,
      &Shell::showLogs},
+    {"trace", "on|off", "what the modem is asked and answers, as it comes; not", 1, &Shell::showTrace},
     {"files", "", "the modem logs' directory", 0, &Shell::listFiles},
     {"properties", "", "the system properties", 0, &Shell::listProperties},
     {"dropbox", "", "the drop-box", 0, &Shell::listDropbox},
@@ -137,9 +138,7 @@ void Shell::askRequest(Words words) {
 }
 
 void Shell::tellModem(Words words) {
-  if (station_.modemIsShared())
-    throw UsageError(
-        fmt::format("the modem in {} is another tool's: tell it there", station_.folder().root()));
+  station_.needOwnModem("tell it there");
   commandModem(station_.modem(), words.subspan(1));
 }
 
@@ -160,6 +159,17 @@ void Shell::showLogs(Words words) {
   if (lines.empty()) console_.note("(nothing)");
   for (const handset::StampedLine& line : lines)
     console_.note(line.text, line.time);
+}
+
+void Shell::trace(bool on) {
+  if (on) station_.needOwnModem("its own console shows what it is asked");
+  news_.showTrace(on);
+}
+
+void Shell::showTrace(Words words) {
+  const std::string which = words.size() > 1 ? words[1] : "";
+  if (which != "on" && which != "off") throw UsageError("trace takes on or off");
+  trace(which == "on");
 }
 
 void Shell::listFiles(Words /*words*/) {

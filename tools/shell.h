@@ -30,6 +30,8 @@ class Shell {
   [[nodiscard]] bool troubled() const { return troubled_; }
 
   ProcessNews& news() { return news_; }
+  /// Shows what crosses the modem link from here on, or not. Throws UsageError when the modem is another's.
+  void trace(bool on);
   /// The commands beside the requests.
   static std::vector<Syntax> syntax();
   static std::string commandReference();
@@ -53,6 +55,7 @@ class Shell {
   void tellModem(Words words);
   void waitForMessage(Words words);
   void showLogs(Words words);
+  void showTrace(Words words);
   void listFiles(Words words);
   void listProperties(Words words);
   void listDropbox(Words words);

@@ -142,6 +142,11 @@ Answer Station::ask(ByteView request, const std::function<void()>& still_waiting
   return {std::move(*answer), asked, std::chrono::steady_clock::now()};
 }
 
+void Station::needOwnModem(std::string_view instead) const {
+  if (modem_is_shared_)
+    throw UsageError(fmt::format("the modem in {} is another tool's: {}", folder_->root(), instead));
+}
+
 std::string Station::stillWaiting() {
   const std::string text = fmt::format("still waiting, after {} s: ", kUsualWait.count() / 1000);
   const auto message = modem_is_shared_ ? std::nullopt : modem_.waitedFor();

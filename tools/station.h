@@ -5,6 +5,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "handset/bytes.h"
@@ -74,6 +75,8 @@ class Station {
   handset::Folder& folder() { return *folder_; }
   /// Whether the modem is another tool's, so that this one's says and does nothing.
   [[nodiscard]] bool modemIsShared() const { return modem_is_shared_; }
+  /// Throws UsageError, with what to do instead, when it is.
+  void needOwnModem(std::string_view instead) const;
 
  private:
   std::optional<int> waitForEnd(handset::Millis timeout);
