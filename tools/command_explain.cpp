@@ -93,12 +93,12 @@ void checkOnly(std::string_view only) {
 bool isWanted(std::string_view only, const LogEvent& event) {
   if (only.empty() || only == kindOf(event).option) return true;
   if (only == kOnlyFailures) return event.failed();
-  return event.happening == Happening::request && namesRequest(only, event.name);
+  return event.happening == EventKind::request && namesRequest(only, event.name);
 }
 
 std::string resultOf(const LogEvent& event) {
-  if (event.happening == Happening::request) return std::string(endingName(event.ending));
-  if (event.happening != Happening::startUp) return "";
+  if (event.happening == EventKind::request) return std::string(endingName(event.ending));
+  if (event.happening != EventKind::startUp) return "";
   if (event.ending == Ending::success) return "ready";
   return event.ending == Ending::failed ? "did not start" : "cut";
 }
@@ -161,7 +161,7 @@ class Narrator {
       line += fmt::format("{:<12}  {:>8}  ", event.time.substr(blank + 1),
                           event.took ? inSeconds(*event.took) : "");
     }
-    line += fmt::format("{:<20}  ", event.happening == Happening::report && !event.name.empty()
+    line += fmt::format("{:<20}  ", event.happening == EventKind::report && !event.name.empty()
                                         ? "modem: " + event.name
                                     : event.name.empty() ? kindOf(event).name
                                                          : event.name);

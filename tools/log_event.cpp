@@ -72,7 +72,7 @@ bool LogEvent::failed() const {
 
 void LogSummary::count(const LogEvent& event) {
   silences += event.silences;
-  if (event.happening != Happening::request) {
+  if (event.happening != EventKind::request) {
     troubles += event.failed() ? 1 : 0;
     return;
   }

@@ -11,7 +11,7 @@
 
 namespace tools {
 
-enum class Happening { startUp, request, report, modemLog, trouble, end };
+enum class EventKind { startUp, request, report, modemLog, trouble, end };
 
 /// How a request or a start-up ended, as far as the log tells.
 enum class Ending { answered, success, zeros, failed, notServed, cut };
@@ -33,7 +33,7 @@ struct Problem {
 
 /// Something that happened, in the order in which such things ended.
 struct LogEvent {
-  Happening happening = Happening::trouble;
+  EventKind happening = EventKind::trouble;
   size_t line = 0;  // the first of it
   int32_t process = 0;
   std::string time;              // of that line, as the log has it

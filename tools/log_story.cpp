@@ -71,7 +71,7 @@ LogStory::Teller& LogStory::tellerOf(int32_t process) {
   return *tellers_.insert(tellers_.begin(), std::move(teller));
 }
 
-LogEvent LogStory::begin(Happening happening, const LogLine& line) const {
+LogEvent LogStory::begin(EventKind happening, const LogLine& line) const {
   return {.happening = happening,
           .line = summary_.lines,
           .process = line.process,
@@ -138,7 +138,7 @@ void LogStory::noteStart(Teller& teller, const LogLine& line, const LineRow& row
       ++summary_.starts;
       teller = {
           .process = teller.process, .context = {.bench = teller.context.bench}, .last_time = line.millis};
-      teller.start_up = begin(Happening::startUp, line);
+      teller.start_up = begin(EventKind::startUp, line);
       return;
     case LineKind::ready:
       endRequest(teller, line.millis, Ending::answered);
@@ -146,7 +146,7 @@ void LogStory::noteStart(Teller& teller, const LogLine& line, const LineRow& row
       return;
     case LineKind::ended: {
       endReport(teller);
-      LogEvent end = begin(Happening::end, line);
+      LogEvent end = begin(EventKind::end, line);
       addDetail(end, inWords(row.words, places, teller.context));
       return tell(std::move(end));
     }
@@ -175,7 +175,7 @@ void LogStory::noteRequest(Teller& teller, const LogLine& line, const LineRow& r
   switch (row.kind) {
     case LineKind::received:
       cut(teller, "the next one came");
-      teller.request = begin(Happening::request, line);
+      teller.request = begin(EventKind::request, line);
       teller.request->name = "without an id";
       return;
     case LineKind::element:
@@ -196,7 +196,7 @@ void LogStory::noteRequest(Teller& teller, const LogLine& line, const LineRow& r
   }
   if (event == nullptr) {
     if (row.kind != LineKind::trouble) return;  // of a request that began before the log
-    LogEvent trouble = begin(Happening::trouble, line);
+    LogEvent trouble = begin(EventKind::trouble, line);
     addProblem(trouble, {trouble.line, words()});
     return tell(std::move(trouble));
   }
@@ -251,14 +251,14 @@ void LogStory::noteApart(Teller& teller, const LogLine& line, const LineRow& row
   const std::string words = inWords(row.words, places, teller.context);
   if (row.kind == LineKind::indication) {
     endReport(teller);
-    teller.report = begin(Happening::report, line);
+    teller.report = begin(EventKind::report, line);
     teller.report->name = indicationName(hexIn(places[0]));
     return addDetail(*teller.report, fmt::format("{} bytes", places[1]));
   }
   if (words.empty()) return;
   if (row.kind == LineKind::report && teller.report) return addDetail(*teller.report, words);
   endReport(teller);
-  LogEvent event = begin(row.kind == LineKind::report ? Happening::report : Happening::modemLog, line);
+  LogEvent event = begin(row.kind == LineKind::report ? EventKind::report : EventKind::modemLog, line);
   if (row.kind == LineKind::logTrouble)
     addProblem(event, {event.line, words});
   else
@@ -340,7 +340,7 @@ void LogStory::tell(LogEvent event) {
     return;
   }
   if (held_) tell_(*std::exchange(held_, std::nullopt));
-  const bool repeats = event.happening != Happening::request && event.happening != Happening::startUp;
+  const bool repeats = event.happening != EventKind::request && event.happening != EventKind::startUp;
   if (repeats)
     held_ = std::move(event);
   else
