@@ -1,7 +1,9 @@
 // Requests by name: what is sent for them, and what is said of names and arguments that are wrong.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <csignal>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <numeric>
 
@@ -30,6 +32,62 @@ nlohmann::json sendJson(std::vector<std::string> words) {
   const ToolResult result = RunTool(words);
   EXPECT_EQ(result.status, 0) << result.err;
   return nlohmann::json::parse(result.out, nullptr, false);
+}
+
+/// What is wrong with a value by docs/hookctl.schema.json, as far as that schema's words go; empty for
+/// nothing.
+std::string Misfit(const nlohmann::json& schema, const nlohmann::json& shape, const nlohmann::json& value) {
+  if (shape.contains("$ref")) {
+    const auto place = shape["$ref"].get<std::string>().substr(1);
+    return Misfit(schema, schema.at(nlohmann::json::json_pointer(place)), value);
+  }
+  const auto has = [](const nlohmann::json& list, const nlohmann::json& item) {
+    return std::find(list.begin(), list.end(), item) != list.end();
+  };
+  const std::string type = value.is_number_integer() ? "integer" : value.type_name();
+  const nlohmann::json types = shape.value("type", nlohmann::json::array());
+  const nlohmann::json allowed = types.is_string() ? nlohmann::json{types} : types;
+  if (!allowed.empty() && !has(allowed, type) && !(type == "integer" && has(allowed, "number")))
+    return "type of " + value.dump();
+  if (shape.contains("enum") && !has(shape["enum"], value)) return value.dump();
+  std::string wrong;
+  if (value.is_object()) {
+    for (const auto& name : shape["required"])
+      if (!value.contains(name.get<std::string>())) wrong += "no " + name.dump() + "; ";
+    for (const auto& [name, member] : value.items())
+      wrong += shape["properties"].contains(name) ? Misfit(schema, shape["properties"][name], member)
+                                                  : name + " is not known; ";
+  }
+  if (value.is_array())
+    for (const auto& item : value)
+      wrong += Misfit(schema, shape.at("items"), item);
+  return wrong;
+}
+
+TEST_F(Send, WhatScriptsGetIsTypedAndHasTheShapeOfTheSchema) {
+  std::ifstream file(KESEXT_SCHEMA);
+  const nlohmann::json schema = nlohmann::json::parse(file, nullptr, false);
+  const auto fits = [&](const char* shape, const std::vector<std::string>& words,
+                        const std::string& input = "") {
+    const nlohmann::json value = nlohmann::json::parse(RunTool(words, input).out, nullptr, false);
+    EXPECT_EQ(Misfit(schema, schema["$defs"][shape], value), "") << words[0];
+    return value;
+  };
+  const nlohmann::json sent =
+      fits("send", {"send", "--json", "--log", "--trace", "--times", "--messages", "0.1", "--modem",
+                    "indicate lte-error 1 2 3", "--modem", "silent pfp", "sid-nid", "read"});
+  EXPECT_EQ(sent["answer"]["id"], 0x02000003);
+  EXPECT_EQ(sent["answer"]["name"], "reads the SID/NID pairs");
+  EXPECT_EQ(sent["answer"]["status_name"], "failure");
+  EXPECT_EQ(sent["messages"][0]["fields"][6]["value"], 1);
+  EXPECT_TRUE(sent["log"][0]["time"].is_number());
+  EXPECT_EQ(fits("send", {"send", "--json", "plmn", "310", "120"})["answer"]["fields"][3]["value"],
+            "Testnet");
+  EXPECT_EQ(fits("send", {"send", "--json", "raw", "00050077", "00000000"})["request"]["name"], nullptr);
+  fits("play", {"play", "--json", "--trace", "--times", KESEXT_SCENARIOS "/modem_crash.json"});
+  const nlohmann::json cut =
+      fits("decode", {"decode", "--json", "BD000002", "04000000", "00000000", "000000000000", "1E00"});
+  EXPECT_EQ(cut["problem_offset"], 20);
 }
 
 TEST_F(Send, ArgumentsStandInTheRequestByOrderOrName) {
@@ -168,7 +226,7 @@ TEST_F(Send, WhatCrossesTheModemLinkIsTracedInWords) {
         " ms: error 16 (no such element)\n", "bsr-timer-read\n             failure in 0.",
         " ms: error 25, timer 0\n", "factory-reset: reset_flag 0xFF\n             success in 0.",
         "modem    indicates pfp: rat 1, tbl_idx 2\n",
-        "short_name_length 7, short_name 54 65 73 74 6E 65 74\n    answer"})
+        "short_name_length 7, short_name 54 65 73 74 6E 65 74\n"})
     EXPECT_THAT(result.out, HasSubstr(traced));
   const nlohmann::json trace = sendJson(
       {"--trace", "--modem", "silent rde-read", "--modem", "indicate test", "bsr-timer", "get"})["trace"];

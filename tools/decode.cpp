@@ -43,9 +43,10 @@ std::string genericId(uint32_t id) {
 }
 
 template <typename Row>
-std::string titleOf(std::string_view what, const std::string& id, const Row* row) {
-  return row == nullptr ? fmt::format("{} {}, an unknown id", what, id)
-                        : fmt::format("{} {}: {}", what, id, row->name);
+void entitle(DecodedRecord& decoded, std::string_view what, const std::string& id, const Row* row) {
+  if (row != nullptr) decoded.name = row->name;
+  decoded.title = row == nullptr ? fmt::format("{} {}, an unknown id", what, id)
+                                 : fmt::format("{} {}: {}", what, id, row->name);
 }
 
 DecodedRecord tooShort(ByteView record, size_t least) {
@@ -83,7 +84,8 @@ Fields cdmaAnswerFields(const RequestRow* row, ByteView record) {
 DecodedRecord decodeCdmaAnswer(ByteView record) {
   const auto id = getLe<uint32_t>(record, 0);
   const RequestRow* row = findRequest(Family::cdma, id);
-  DecodedRecord decoded{.title = titleOf("CDMA answer", cdmaId(id), row)};
+  DecodedRecord decoded;
+  entitle(decoded, "CDMA answer", cdmaId(id), row);
   FieldSplitter split(record, decoded);
   takeCdma(split, record, cdmaAnswerFields(row, record), kCdmaAnswer);
   return decoded;
@@ -93,8 +95,9 @@ DecodedRecord decodeGenericAnswer(ByteView record) {
   const uint32_t id = getBe<uint32_t>(record, 0) & 0xFFFFFF;
   const bool refused = isErrorReply(record);
   const RequestRow* row = findRequest(Family::generic, id);
-  DecodedRecord decoded{.title = refused ? fmt::format("error reply {}", genericId(id))
-                                         : titleOf("generic answer", genericId(id), row)};
+  DecodedRecord decoded;
+  entitle(decoded, "generic answer", genericId(id), row);
+  if (refused) decoded.title = fmt::format("error reply {}", genericId(id));
   FieldSplitter split(record, decoded);
   split.take("msgType", FieldKind::number, 1);
   split.take("msgId", FieldKind::hexNumber, 3, genericId(id));
@@ -139,13 +142,13 @@ DecodedRecord decodeRequest(ByteView record) {
   DecodedRecord decoded;
   FieldSplitter split(record, decoded);
   if (isCdma(record)) {
-    decoded.title = titleOf("CDMA request", cdmaId(getLe<uint32_t>(record, 0)), row);
+    entitle(decoded, "CDMA request", cdmaId(getLe<uint32_t>(record, 0)), row);
     takeCdma(split, record, fields, kCdmaRequest);
     return decoded;
   }
   const uint32_t id = getBe<uint32_t>(record, 0) & 0xFFFFFF;
   const auto length = static_cast<int32_t>(getBe<uint32_t>(record, 4));
-  decoded.title = titleOf("generic request", genericId(id), row);
+  entitle(decoded, "generic request", genericId(id), row);
   if (record[0] > kGenericTypeMax) split.problem(0, "no record that parses begins with this byte");
   split.take("msgType", FieldKind::number, 1);
   split.take("msgId", FieldKind::hexNumber, 3, genericId(id));
@@ -193,7 +196,8 @@ DecodedRecord decodeUnsolicited(ByteView record) {
   const std::string id_text = cdma ? cdmaId(id) : genericId(id);
   const UnsolicitedRow* row = findUnsolicited(cdma ? Family::cdma : Family::generic, id);
   const Fields fields = row != nullptr ? row->payload : Fields{};
-  DecodedRecord decoded{.title = titleOf("unsolicited", id_text, row)};
+  DecodedRecord decoded;
+  entitle(decoded, "unsolicited", id_text, row);
   FieldSplitter split(record, decoded);
   split.take("hookType", FieldKind::number, 4, cdma ? "0 (CDMA)" : "1 (generic)");
   split.take("headerSize", FieldKind::number, 4);

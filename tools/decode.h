@@ -16,6 +16,7 @@ struct DecodedField {
   size_t size = 0;    // bytes
   std::string name;
   std::string value;
+  FieldKind kind = FieldKind::bytes;
 };
 
 /// Where a record stops making sense, and why.
@@ -26,6 +27,7 @@ struct RecordProblem {
 
 struct DecodedRecord {
   std::string title;                 // the record's name, with its id
+  std::string name;                  // what it does; empty where the id is not known
   std::vector<DecodedField> fields;  // together the whole record
   std::optional<RecordProblem> problem;
 };

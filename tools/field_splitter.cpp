@@ -29,7 +29,7 @@ void FieldSplitter::takeUpTo(size_t end, std::string_view where, std::string_vie
     if (other != bytes.end()) problem(at_ + static_cast<size_t>(other - bytes.begin()), "zeros belong here");
   }
   if (value.empty() || bytes.size() < size) value = valueOf(kind, bytes);
-  into_.fields.push_back({at_, bytes.size(), std::string(name), std::move(value)});
+  into_.fields.push_back({at_, bytes.size(), std::string(name), std::move(value), kind});
   at_ += bytes.size();
 }
 

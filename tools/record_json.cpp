@@ -2,22 +2,71 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <string>
 #include <utility>
 
 #include "tools/link_trace.h"
 
 namespace tools {
 
-nlohmann::ordered_json toJson(const DecodedRecord& decoded, handset::ByteView bytes) {
-  nlohmann::ordered_json fields = nlohmann::ordered_json::array();
-  for (const DecodedField& field : decoded.fields)
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// Numbers are read off their text, which knows the byte order.
+Json typedValue(const DecodedField& field, handset::ByteView bytes) {
+  switch (field.kind) {
+    case FieldKind::number:
+    case FieldKind::signedNumber:
+    case FieldKind::hexNumber:
+    case FieldKind::element:
+    case FieldKind::status:
+      return std::strtoll(field.value.c_str(), nullptr, 0);
+    case FieldKind::words: {
+      Json words = Json::array();
+      for (size_t at = 0; at + kWordSize <= bytes.size(); at += kWordSize)
+        words.push_back(handset::getLe<uint32_t>(bytes, at));
+      return words;
+    }
+    case FieldKind::text:
+    case FieldKind::code:
+    case FieldKind::zeroEndedText:
+      return std::string(bytes.begin(), std::find(bytes.begin(), bytes.end(), 0));
+    case FieldKind::utf8:
+      return std::string(bytes.begin(), bytes.end());
+    case FieldKind::bytes:
+    case FieldKind::zeros:
+      return handset::toHex(bytes, "");
+  }
+  return {};
+}
+
+}  // namespace
+
+Json toJson(const DecodedRecord& decoded, handset::ByteView bytes) {
+  Json record{{"title", decoded.title}};
+  Json fields = Json::array();
+  for (const DecodedField& field : decoded.fields) {
+    const handset::ByteView part = bytes.subspan(field.offset, field.size);
+    const Json value = typedValue(field, part);
+    if (field.name == "msgId") {
+      record["id"] = value;
+      record["name"] = decoded.name.empty() ? Json() : Json(decoded.name);
+    } else if (field.kind == FieldKind::status) {
+      record["status"] = value;
+      record["status_name"] = statusName(value.get<uint32_t>());
+    }
     fields.push_back({{"name", field.name},
-                      {"value", field.value},
+                      {"value", value},
+                      {"text", field.value},
                       {"offset", field.offset},
                       {"size", field.size},
-                      {"hex", handset::toHex(bytes.subspan(field.offset, field.size), "")}});
-  nlohmann::ordered_json record{
-      {"title", decoded.title}, {"hex", handset::toHex(bytes, "")}, {"fields", fields}};
+                      {"hex", handset::toHex(part, "")}});
+  }
+  record["hex"] = handset::toHex(bytes, "");
+  record["fields"] = std::move(fields);
   if (decoded.problem) {
     record["problem"] = decoded.problem->text;
     record["problem_offset"] = decoded.problem->offset;

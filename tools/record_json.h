@@ -11,8 +11,10 @@
 
 namespace tools {
 
-/// {"title": ..., "hex": ..., "fields": [{"name", "value", "offset", "size", "hex"}, ...]}; "problem" and
-/// "problem_offset" as well where the record does not parse.
+/// {"title", "id", "name", "status", "status_name", "hex", "fields": [{"name", "value", "text", "offset",
+/// "size", "hex"}, ...]}, as far as the record has them; "problem" and "problem_offset" as well where it does
+/// not parse. A value is a number, a text, a list of numbers, or bytes as hexadecimal digits; "text" is what
+/// people are shown.
 nlohmann::ordered_json toJson(const DecodedRecord& decoded, handset::ByteView bytes);
 
 /// {"message" or "indication", "service", "id", "request" or "body", "outcome", "code", "response",
