@@ -69,7 +69,7 @@ TEST_F(Send, WhatScriptsGetIsTypedAndHasTheShapeOfTheSchema) {
   const nlohmann::json schema = nlohmann::json::parse(file, nullptr, false);
   const auto fits = [&](const char* shape, const std::vector<std::string>& words,
                         const std::string& input = "") {
-    const nlohmann::json value = nlohmann::json::parse(RunTool(words, input).out, nullptr, false);
+    nlohmann::json value = nlohmann::json::parse(RunTool(words, input).out, nullptr, false);
     EXPECT_EQ(Misfit(schema, schema["$defs"][shape], value), "") << words[0];
     return value;
   };
@@ -84,7 +84,7 @@ TEST_F(Send, WhatScriptsGetIsTypedAndHasTheShapeOfTheSchema) {
   EXPECT_EQ(fits("send", {"send", "--json", "plmn", "310", "120"})["answer"]["fields"][3]["value"],
             "Testnet");
   EXPECT_EQ(fits("send", {"send", "--json", "raw", "00050077", "00000000"})["request"]["name"], nullptr);
-  fits("play", {"play", "--json", "--trace", "--times", KESEXT_SCENARIOS "/modem_crash.json"});
+  fits("play", {"play", "--json", "--trace", "--times", std::string(KESEXT_SCENARIOS) + "/modem_crash.json"});
   const nlohmann::json cut =
       fits("decode", {"decode", "--json", "BD000002", "04000000", "00000000", "000000000000", "1E00"});
   EXPECT_EQ(cut["problem_offset"], 20);
@@ -217,13 +217,11 @@ TEST_F(Send, WhatCrossesTheModemLinkIsTracedInWords) {
   EXPECT_EQ(result.err, "line 15: trace takes on or off\n");
   EXPECT_THAT(result.out, Not(HasSubstr("modem    pfp")));
   for (const char* traced :
-       {"    modem    utility: type 5, len 1, req_data 01\n             refused with code 71 (an unknown "
-        "message) in 0.",
-        "rde-write: rde_index 10017 (0x2721), record_num 0, offset 0, length 5, data_len 5, data 01 02 03 04 "
-        "00\n"
-        "             success in 0.",
-        " ms: length 5, data_len 5, data 01 02 03 04 00\n", "failure in 10",
-        " ms: error 16 (no such element)\n", "bsr-timer-read\n             failure in 0.",
+       {"    modem    utility: type 5, len 1, req_data 01\n             refused with code 71 (",
+        "(an unknown message) in 0.",
+        "rde-write: rde_index 10017 (0x2721), record_num 0, offset 0, length 5, data_len 5, data 01 02",
+        " 03 04 00\n             success in 0.", " ms: length 5, data_len 5, data 01 02 03 04 00\n",
+        "failure in 10", " ms: error 16 (no such element)\n", "bsr-timer-read\n             failure in 0.",
         " ms: error 25, timer 0\n", "factory-reset: reset_flag 0xFF\n             success in 0.",
         "modem    indicates pfp: rat 1, tbl_idx 2\n",
         "short_name_length 7, short_name 54 65 73 74 6E 65 74\n"})

@@ -84,7 +84,7 @@ int64_t numberOf(std::string_view place) {
 /// What a result of sending means where that is known.
 std::string sendResult(std::string_view place, bool bench) {
   const auto code = static_cast<int>(numberOf(place));
-  const std::string number = fmt::format("code {}", code);
+  std::string number = fmt::format("code {}", code);
   if (!bench) return number;
   switch (code) {
     case host::kLocalError:

@@ -88,7 +88,7 @@ std::string traceValue(const FieldSpec& field, ByteView bytes, std::optional<siz
                       field.kind == FieldKind::hexNumber || field.kind == FieldKind::element;
   if (!number && isZero(bytes)) return "";
   if (field.name == "error") return named(kErrorNames, static_cast<uint32_t>(numberIn(bytes)));
-  const std::string value = valueOf(field.kind, bytes);
+  std::string value = valueOf(field.kind, bytes);
   if (value.size() <= kCharactersShown) return value;
   return fmt::format("{}... ({} bytes)", value.substr(0, kCharactersShown), bytes.size());
 }

@@ -50,7 +50,7 @@ class LogStory {
   };
 
   Teller& tellerOf(int32_t process);
-  LogEvent begin(EventKind happening, const LogLine& line) const;
+  [[nodiscard]] LogEvent begin(EventKind happening, const LogLine& line) const;
   void note(Teller& teller, const LogLine& line, const LineRow& row, const Places& places);
   void noteStart(Teller& teller, const LogLine& line, const LineRow& row, const Places& places);
   void noteRequest(Teller& teller, const LogLine& line, const LineRow& row, const Places& places);
