@@ -1,6 +1,7 @@
 // Writing and reading messages byte by byte.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <concepts>
 #include <cstddef>
@@ -58,6 +59,10 @@ inline std::string toHex(ByteView bytes, std::string_view separator = " ") {
 /// The characters of a text, without a terminator.
 inline Bytes bytesOf(std::string_view text) {
   return {text.begin(), text.end()};
+}
+
+inline bool isZero(ByteView bytes) {
+  return std::all_of(bytes.begin(), bytes.end(), [](uint8_t byte) { return byte == 0; });
 }
 
 /// A plain record as it stands in memory.

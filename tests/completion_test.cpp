@@ -1,7 +1,7 @@
 // What Tab makes of a line.
 #include <gmock/gmock.h>
 
-#include "tools/completion.h"
+#include "tools/shell/completion.h"
 
 namespace kesext_test {
 namespace {

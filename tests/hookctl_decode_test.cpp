@@ -7,9 +7,9 @@
 
 #include "support/sample_records.h"
 #include "support/tool_test.h"
-#include "tools/modem_control.h"
-#include "tools/record_json.h"
-#include "tools/station.h"
+#include "tools/bench/modem_control.h"
+#include "tools/bench/record_json.h"
+#include "tools/bench/station.h"
 
 namespace kesext_test {
 namespace {

@@ -9,7 +9,7 @@
 #include <sstream>
 
 #include "support/tool_test.h"
-#include "tools/line_table.h"
+#include "tools/log/line_table.h"
 
 namespace kesext_test {
 namespace {

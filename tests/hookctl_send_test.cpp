@@ -9,8 +9,8 @@
 
 #include "handset/hook_records.h"
 #include "support/tool_test.h"
-#include "tools/link_table.h"
-#include "tools/words.h"
+#include "tools/records/link_table.h"
+#include "tools/text/words.h"
 
 namespace kesext_test {
 namespace {

@@ -5,7 +5,7 @@
 #include <random>
 
 #include "support/sample_records.h"
-#include "tools/field_value.h"
+#include "tools/records/field_value.h"
 
 namespace kesext_test {
 namespace {

@@ -12,10 +12,10 @@
 #include <system_error>
 #include <vector>
 
-#include "tools/commands.h"
-#include "tools/interruption.h"
-#include "tools/usage_error.h"
-#include "tools/words.h"
+#include "tools/bench/interruption.h"
+#include "tools/commands/commands.h"
+#include "tools/text/usage_error.h"
+#include "tools/text/words.h"
 
 namespace {
 

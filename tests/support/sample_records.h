@@ -6,8 +6,8 @@
 
 #include "handset/bytes.h"
 #include "handset/hook_records.h"
-#include "tools/encode.h"
-#include "tools/record_kind.h"
+#include "tools/records/encode.h"
+#include "tools/records/record_kind.h"
 
 namespace kesext_test {
 

@@ -1,0 +1,168 @@
+#include "tools/bench/link_trace.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <chrono>
+#include <map>
+
+#include "tools/bench/console.h"
+#include "tools/records/field_value.h"
+#include "tools/records/link_table.h"
+
+namespace tools {
+
+namespace {
+
+using handset::ByteView;
+using handset::Crossing;
+
+/// Bytes, or characters of a text, that a field is shown with at most.
+constexpr size_t kBytesShown = 32;
+constexpr size_t kCharactersShown = 64;
+
+struct NumberName {
+  uint32_t number;
+  std::string_view name;
+};
+constexpr NumberName kCodeNames[] = {{handset::kMalformed, "a request of the wrong size"},
+                                     {handset::kNotPublished, "no such service"},
+                                     {handset::kUnknownMessage, "an unknown message"}};
+constexpr NumberName kErrorNames[] = {{0, "none"},
+                                      {handset::kRdeNoElement, "no such element"},
+                                      {handset::kRdeBadLength, "lengths that do not fit"}};
+
+/// "16 (no such element)".
+std::string named(std::span<const NumberName> names, uint32_t number) {
+  for (const NumberName& row : names)
+    if (row.number == number) return fmt::format("{} ({})", number, row.name);
+  return fmt::format("{}", number);
+}
+
+const IndicationRow* findIndication(uint16_t id) {
+  for (const IndicationRow& row : indicationTable())
+    if (row.id == id) return &row;
+  return nullptr;
+}
+
+/// An indication's fields, and what they leave.
+std::vector<FieldSpec> bodyFields(const Crossing& crossing) {
+  Fields fields;
+  if (crossing.indication) {
+    if (const IndicationRow* row = findIndication(crossing.id)) fields = row->fields;
+  } else if (const LinkRow* row = findLink(crossing.service, crossing.id)) {
+    fields = row->request;
+  }
+  std::vector<FieldSpec> all(fields.begin(), fields.end());
+  all.push_back({fields.empty() ? "payload" : "more", kRest, FieldKind::bytes});
+  return all;
+}
+
+Fields responseFields(const Crossing& crossing) {
+  const LinkRow* row = findLink(crossing.service, crossing.id);
+  return row != nullptr ? row->response : Fields(kPlainPayload);
+}
+
+/// What a count does not cover, and without one the zeros at the end, is left out.
+std::string bytesText(ByteView bytes, std::optional<size_t> count) {
+  const size_t counted = std::min(count.value_or(0), bytes.size());
+  ByteView shown = bytes.first(counted);
+  if (!handset::isZero(bytes.subspan(counted))) {
+    const auto last = std::find_if(bytes.rbegin(), bytes.rend(), [](uint8_t byte) { return byte != 0; });
+    shown = bytes.first(static_cast<size_t>(bytes.rend() - last));
+  }
+  if (shown.size() > kBytesShown && handset::isZero(shown)) return fmt::format("{} zeros", shown.size());
+  if (shown.size() <= kBytesShown) return handset::toHex(shown);
+  return fmt::format("{} ... ({} bytes)", handset::toHex(shown.first(kBytesShown)), shown.size());
+}
+
+/// The value in words; empty for one that says nothing.
+std::string traceValue(const FieldSpec& field, ByteView bytes, std::optional<size_t> count) {
+  if (field.kind == FieldKind::bytes || field.kind == FieldKind::zeros) return bytesText(bytes, count);
+  const bool number = field.kind == FieldKind::number || field.kind == FieldKind::signedNumber ||
+                      field.kind == FieldKind::hexNumber || field.kind == FieldKind::element;
+  if (!number && handset::isZero(bytes)) return "";
+  if (field.name == "error") return named(kErrorNames, static_cast<uint32_t>(numberIn(bytes)));
+  std::string value = valueOf(field.kind, bytes);
+  if (value.size() <= kCharactersShown) return value;
+  return fmt::format("{}... ({} bytes)", value.substr(0, kCharactersShown), bytes.size());
+}
+
+using Values = std::map<std::string_view, std::string>;
+
+/// "NAME VALUE, ..." without what `known` has as well, and the values.
+std::string fieldsText(Fields fields, ByteView body, const Values& known, Values& values) {
+  std::vector<std::string> parts;
+  std::optional<size_t> count;
+  for (const FieldSpec& field : fields) {
+    const ByteView bytes = body.first(std::min(field.size, body.size()));
+    body = body.subspan(bytes.size());
+    if (bytes.empty()) continue;
+    std::string value = traceValue(field, bytes, count);
+    count.reset();
+    if (field.when_absent == WhenAbsent::lengthOfRest) count = static_cast<size_t>(numberIn(bytes));
+    if (value.empty()) continue;
+    const auto same = known.find(field.name);
+    if (same == known.end() || same->second != value)
+      parts.push_back(fmt::format("{} {}", field.name, value));
+    values[field.name] = std::move(value);
+  }
+  return fmt::format("{}", fmt::join(parts, ", "));
+}
+
+std::string withColon(const std::string& what, const std::string& fields) {
+  return fields.empty() ? what : what + ": " + fields;
+}
+
+}  // namespace
+
+std::string crossingName(const Crossing& crossing) {
+  if (!crossing.indication) return messageName(crossing.service, crossing.id);
+  const IndicationRow* row = findIndication(crossing.id);
+  return row != nullptr ? std::string(row->name) : fmt::format("0x{:04X}", crossing.id);
+}
+
+std::string outcomeText(const Crossing& crossing) {
+  if (!crossing.reply) return "not answered";
+  if (crossing.reply->code != 0)
+    return "refused with code " + named(kCodeNames, static_cast<uint32_t>(crossing.reply->code));
+  const Fields fields = responseFields(crossing);
+  const handset::MessageRow* row = handset::findMessage(crossing.service, crossing.id);
+  if (row == nullptr || fields.front().name != "result") return "answered";
+  const ByteView body = crossing.reply->body;
+  const uint64_t result = numberIn(body.first(std::min(fields.front().size, body.size())));
+  if (result == row->done) return "success";
+  return result > 1 ? fmt::format("failure (result {})", result) : "failure";
+}
+
+std::vector<std::string> traceLines(const Crossing& crossing) {
+  Values values;
+  const std::string asked =
+      withColon(crossingName(crossing), fieldsText(bodyFields(crossing), crossing.body, {}, values));
+  if (crossing.indication) return {"indicates " + asked};
+  if (!crossing.reply) return {asked, outcomeText(crossing)};
+  // The outcome has told the result, and that there was no error.
+  values["error"] = named(kErrorNames, 0);
+  Values known = values;
+  Fields fields = responseFields(crossing);
+  ByteView body = crossing.reply->body;
+  if (fields.front().name == "result") {
+    body = body.subspan(std::min(fields.front().size, body.size()));
+    fields = fields.subspan(1);
+  }
+  return {asked, withColon(fmt::format("{} in {:.1f} ms", outcomeText(crossing),
+                                       tookMs(crossing.asked, crossing.done)),
+                           fieldsText(fields, body, known, values))};
+}
+
+DecodedRecord decodeBody(const Crossing& crossing) {
+  return decodePlain(crossingName(crossing), bodyFields(crossing), crossing.body);
+}
+
+DecodedRecord decodeResponse(const Crossing& crossing) {
+  return decodePlain(outcomeText(crossing), responseFields(crossing),
+                     crossing.reply ? ByteView(crossing.reply->body) : ByteView{});
+}
+
+}  // namespace tools

@@ -1,0 +1,120 @@
+#include "tools/bench/record_json.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <utility>
+
+#include "tools/bench/link_trace.h"
+
+namespace tools {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// Numbers are read off their text, which knows the byte order.
+Json typedValue(const DecodedField& field, handset::ByteView bytes) {
+  switch (field.kind) {
+    case FieldKind::number:
+    case FieldKind::signedNumber:
+    case FieldKind::hexNumber:
+    case FieldKind::element:
+    case FieldKind::status:
+      return std::strtoll(field.value.c_str(), nullptr, 0);
+    case FieldKind::words: {
+      Json words = Json::array();
+      for (size_t at = 0; at + kWordSize <= bytes.size(); at += kWordSize)
+        words.push_back(handset::getLe<uint32_t>(bytes, at));
+      return words;
+    }
+    case FieldKind::text:
+    case FieldKind::code:
+    case FieldKind::zeroEndedText:
+      return std::string(bytes.begin(), std::find(bytes.begin(), bytes.end(), 0));
+    case FieldKind::utf8:
+      return std::string(bytes.begin(), bytes.end());
+    case FieldKind::bytes:
+    case FieldKind::zeros:
+      return handset::toHex(bytes, "");
+  }
+  return {};
+}
+
+}  // namespace
+
+Json toJson(const DecodedRecord& decoded, handset::ByteView bytes) {
+  Json record{{"title", decoded.title}};
+  Json fields = Json::array();
+  for (const DecodedField& field : decoded.fields) {
+    const handset::ByteView part = bytes.subspan(field.offset, field.size);
+    const Json value = typedValue(field, part);
+    if (field.name == "msgId") {
+      record["id"] = value;
+      record["name"] = decoded.name.empty() ? Json() : Json(decoded.name);
+    } else if (field.kind == FieldKind::status) {
+      record["status"] = value;
+      record["status_name"] = statusName(value.get<uint32_t>());
+    }
+    fields.push_back({{"name", field.name},
+                      {"value", value},
+                      {"text", field.value},
+                      {"offset", field.offset},
+                      {"size", field.size},
+                      {"hex", handset::toHex(part, "")}});
+  }
+  record["hex"] = handset::toHex(bytes, "");
+  record["fields"] = std::move(fields);
+  if (decoded.problem) {
+    record["problem"] = decoded.problem->text;
+    record["problem_offset"] = decoded.problem->offset;
+  }
+  return record;
+}
+
+nlohmann::ordered_json toJson(const handset::Crossing& crossing) {
+  nlohmann::ordered_json json{{crossing.indication ? "indication" : "message", crossingName(crossing)},
+                              {"service", handset::serviceName(crossing.service)},
+                              {"id", crossing.id}};
+  const auto add = [&json](const char* name, const DecodedRecord& decoded, handset::ByteView bytes) {
+    json[name] = toJson(decoded, bytes);
+    json[name].erase("title");
+  };
+  add(crossing.indication ? "body" : "request", decodeBody(crossing), crossing.body);
+  if (crossing.indication) return json;
+  json["outcome"] = outcomeText(crossing);
+  if (!crossing.reply) return json;
+  json["code"] = crossing.reply->code;
+  if (crossing.reply->code == 0) add("response", decodeResponse(crossing), crossing.reply->body);
+  addMoment(json, {crossing.done, crossing.asked}, false);
+  return json;
+}
+
+void addMoment(nlohmann::ordered_json& record, const Moment& moment, bool times) {
+  if (times && moment.time) record["time"] = secondsSinceStart(*moment.time);
+  if (moment.time && moment.since) record["took_ms"] = tookMs(*moment.since, *moment.time);
+}
+
+void addHappening(nlohmann::ordered_json& all, const Happening& happening, bool times) {
+  const auto add = [&](const char* list, nlohmann::ordered_json json) {
+    addMoment(json, {.time = happening.time}, times);
+    all[list].push_back(std::move(json));
+  };
+  if (const auto* line = std::get_if<std::string>(&happening.what)) add("log", {{"text", *line}});
+  if (const auto* crossing = std::get_if<handset::Crossing>(&happening.what)) add("trace", toJson(*crossing));
+  if (const auto* message = std::get_if<handset::Bytes>(&happening.what))
+    add("messages", toJson(decodeUnsolicited(*message), *message));
+}
+
+void printJson(const nlohmann::ordered_json& value) {
+  constexpr int kIndent = 2;
+  fmt::print("{}\n", value.dump(kIndent, ' ', false, nlohmann::json::error_handler_t::replace));
+}
+
+void printJsonLine(const nlohmann::ordered_json& value) {
+  fmt::print("{}\n", value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+}
+
+}  // namespace tools

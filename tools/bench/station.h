@@ -1,0 +1,94 @@
+// A bench: a handset folder, its simulated modem, and the process between the two.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "handset/bytes.h"
+#include "handset/folder.h"
+#include "handset/modem.h"
+#include "handset/parent.h"
+#include "tools/bench/interruption.h"
+
+namespace tools {
+
+/// The process did not do what it is for. The message has how it ended, if it did, and its last log lines.
+struct ProcessTrouble : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+/// "the process has ended with status 0": of an exit status, or minus the signal that ended it.
+std::string describeEnd(int status);
+
+struct StationOptions {
+  std::string executable;
+  std::string root;  // of a handset folder that is kept; empty: a fresh one, which goes with the station
+  int instance_id = 0;
+  bool share_modem = false;  // use a modem that runs in the folder already
+};
+
+struct Answer {
+  handset::Bytes bytes;
+  handset::Instant asked;
+  handset::Instant came;
+};
+
+/// How long a wait for an answer is nothing to speak of.
+inline constexpr handset::Millis kUsualWait{2000};
+
+class Station {
+ public:
+  /// Starts the modem, but not the process. Throws UsageError when another one runs in the folder and is not
+  /// to be shared.
+  explicit Station(StationOptions options);
+  Station(const Station&) = delete;
+  Station& operator=(const Station&) = delete;
+  ~Station();
+
+  /// Starts the process and waits until it serves requests. Throws ProcessTrouble.
+  void start();
+  /// Closes the request pipe and gives the process's exit status; nothing when it does not end.
+  std::optional<int> end();
+  [[nodiscard]] bool started() const { return process_.has_value(); }
+
+  /// The answer to a request; `still_waiting` is told when it takes longer than kUsualWait. Throws
+  /// ProcessTrouble when none comes.
+  Answer ask(
+      handset::ByteView request, const std::function<void()>& still_waiting = [] {});
+  /// "still waiting, after 2 s: ..." with what the process waits for, as far as that is known.
+  std::string stillWaiting();
+  /// The next unsolicited message. Throws ProcessTrouble when none comes.
+  handset::Bytes nextUnsolicited();
+  /// Waits until the process has handled every indication that was sent before: one that it knows nothing of
+  /// comes behind them. False when it has no link to the modem. Throws ProcessTrouble.
+  bool settle();
+  /// What went wrong, for a message: `what`, how the process ended, its last log lines.
+  [[nodiscard]] ProcessTrouble trouble(const std::string& what);
+
+  /// Throws ProcessTrouble when none has been started.
+  handset::Parent& process();
+  handset::Modem& modem() { return modem_; }
+  handset::Folder& folder() { return *folder_; }
+  /// Whether the modem is another tool's, so that this one's says and does nothing.
+  [[nodiscard]] bool modemIsShared() const { return modem_is_shared_; }
+  /// Throws UsageError, with what to do instead, when it is.
+  void needOwnModem(std::string_view instead) const;
+
+ private:
+  std::optional<int> waitForEnd(handset::Millis timeout);
+
+  StationOptions options_;
+  std::optional<Cleanup> remove_folder_;
+  std::optional<handset::Folder> folder_;
+  std::optional<Cleanup> remove_socket_;
+  handset::Modem modem_;
+  bool modem_is_shared_ = false;
+  std::optional<Cleanup> kill_process_;
+  std::optional<handset::Parent> process_;
+};
+
+}  // namespace tools

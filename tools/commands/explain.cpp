@@ -1,0 +1,276 @@
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "core/ground/log.h"
+#include "platform/host/unique_fd.h"
+#include "tools/bench/record_json.h"
+#include "tools/commands/commands.h"
+#include "tools/log/log_story.h"
+#include "tools/records/record_table.h"
+#include "tools/text/input_lines.h"
+#include "tools/text/usage_error.h"
+#include "tools/text/words.h"
+
+namespace tools {
+
+namespace {
+
+/// Longer than any line of the process; what goes beyond is some other's.
+constexpr size_t kLogLineMax = size_t{64} * 1024;  // characters
+
+constexpr std::string_view kOnlyFailures = "failures";
+
+constexpr const char* kExplainFooter =
+    "The log is a workstation's (\"E RIL-KESEXT: ...\") or a handset's, as logcat prints it: brief, time, "
+    "threadtime, long,\n"
+    "with colours or without. Lines of other processes are skipped. Each thing that happened is a line: the "
+    "number of its\n"
+    "first line in the log, process and time where the log has them, how long it took, and how it ended:\n\n"
+    "  success              the process said so\n"
+    "  answered             nothing in the log says that it failed; not every failure is logged\n"
+    "  answered with zeros  the modem failed; the answer says success all the same\n"
+    "  failed, not served   the answer says so\n"
+    "  cut                  the log has no end of it\n\n"
+    "With --json each is an object on a line of its own, and the last one the summary.\n\n"
+    "The status is 1 when the log has no line of the process.\n\n"
+    "Examples:\n"
+    "  hookctl explain radio.log\n"
+    "  adb logcat -d -b radio | hookctl explain --only failures\n"
+    "  hookctl explain --only nam radio.log          all requests whose names begin with nam\n"
+    "  hookctl explain --json radio.log | tail -n 1  the summary for scripts";
+
+struct ExplainOptions {
+  std::string file;
+  std::string only;
+  bool json = false;
+};
+
+/// What --only takes beside the names of requests, as it stands in the story.
+struct KindRow {
+  std::string_view option;
+  std::string_view name;
+};
+
+constexpr KindRow kKinds[] = {{"start-up", "start-up"},    {"requests", "request"}, {"reports", "report"},
+                              {"modem-logs", "modem log"}, {"trouble", "trouble"},  {"ends", "end"}};
+
+const KindRow& kindOf(const LogEvent& event) {
+  return kKinds[static_cast<size_t>(event.happening)];
+}
+
+bool namesRequest(std::string_view only, std::string_view name) {
+  return name == only || (name.starts_with(only) && name[only.size()] == ' ');
+}
+
+/// Throws UsageError, with the nearest names, when there is nothing of this name.
+void checkOnly(std::string_view only) {
+  std::vector<std::string_view> names{kOnlyFailures};
+  for (const KindRow& row : kKinds)
+    names.push_back(row.option);
+  for (const RequestRow& row : requestTable()) {
+    if (namesRequest(only, row.command)) return;
+    names.push_back(row.command);
+  }
+  if (std::find(names.begin(), names.end(), only) != names.end()) return;
+  throw UsageError(
+      fmt::format("--only takes failures, start-up, requests, reports, modem-logs, trouble, ends or the "
+                  "name of a request or its first word, not '{}'{}",
+                  only, didYouMean(only, names)));
+}
+
+bool isWanted(std::string_view only, const LogEvent& event) {
+  if (only.empty() || only == kindOf(event).option) return true;
+  if (only == kOnlyFailures) return event.failed();
+  return event.happening == EventKind::request && namesRequest(only, event.name);
+}
+
+std::string resultOf(const LogEvent& event) {
+  if (event.happening == EventKind::request) return std::string(endingName(event.ending));
+  if (event.happening != EventKind::startUp) return "";
+  if (event.ending == Ending::success) return "ready";
+  return event.ending == Ending::failed ? "did not start" : "cut";
+}
+
+nlohmann::ordered_json toJson(const LogEvent& event) {
+  nlohmann::ordered_json object{{"event", kindOf(event).name}, {"line", event.line}};
+  if (event.process != 0) object["process"] = event.process;
+  if (!event.time.empty()) object["time"] = event.time;
+  if (event.took) object["took_ms"] = *event.took;
+  if (!event.name.empty()) object["name"] = event.name;
+  if (const std::string result = resultOf(event); !result.empty()) object["result"] = result;
+  object["failed"] = event.failed();
+  object["details"] = event.details;
+  object["problems"] = nlohmann::ordered_json::array();
+  for (const Problem& problem : event.problems)
+    object["problems"].push_back({{"line", problem.line}, {"text", problem.words}});
+  if (event.silences > 0) object["silences"] = event.silences;
+  if (event.count > 1) object["count"] = event.count;
+  return object;
+}
+
+nlohmann::ordered_json toJson(const LogSummary& summary) {
+  nlohmann::ordered_json object{{"event", "summary"},
+                                {"lines", summary.lines},
+                                {"own", summary.own},
+                                {"unknown", summary.unknown},
+                                {"starts", summary.starts},
+                                {"silences", summary.silences},
+                                {"troubles", summary.troubles},
+                                {"requests", nlohmann::ordered_json::array()},
+                                {"slowest", nlohmann::ordered_json::array()}};
+  if (summary.unknown > 0)
+    object["first_unknown"] = {{"line", summary.first_unknown.line}, {"text", summary.first_unknown.words}};
+  for (const auto& [name, requests] : summary.requests) {
+    nlohmann::ordered_json row{{"name", name}, {"count", requests.count}, {"failures", requests.failures}};
+    if (requests.timed > 0) {
+      row["longest_ms"] = requests.longest;
+      row["mean_ms"] = requests.total / static_cast<int64_t>(requests.timed);
+    }
+    object["requests"].push_back(row);
+  }
+  for (const LogSummary::Slow& slow : summary.slowest)
+    object["slowest"].push_back({{"line", slow.line}, {"name", slow.name}, {"took_ms", slow.took}});
+  return object;
+}
+
+/// Says what happened, in columns of which those are left out that the log has nothing for.
+class Narrator {
+ public:
+  explicit Narrator(ColourWhen colour) : console_(colour) {}
+
+  void tell(const LogEvent& event) {
+    std::string line = fmt::format("{:>8}  ", event.line);
+    if (event.process != 0) line += fmt::format("{:>6}  ", event.process);
+    if (!event.time.empty()) {
+      // The date has a line of its own whenever it changes.
+      const size_t blank = event.time.find(' ');
+      const std::string date = blank == std::string::npos ? "" : event.time.substr(0, blank);
+      if (date != date_) console_.section(date_ = date);
+      line += fmt::format("{:<12}  {:>8}  ", event.time.substr(blank + 1),
+                          event.took ? inSeconds(*event.took) : "");
+    }
+    line += fmt::format("{:<20}  ", event.happening == EventKind::report && !event.name.empty()
+                                        ? "modem: " + event.name
+                                    : event.name.empty() ? kindOf(event).name
+                                                         : event.name);
+    console_.happening(!event.failed(), line + text(event));
+  }
+  void sum(const LogSummary& summary) const;
+
+ private:
+  static std::string text(const LogEvent& event) {
+    std::vector<std::string> parts;
+    if (std::string result = resultOf(event); !result.empty()) parts.push_back(std::move(result));
+    if (event.silences == 1) parts.emplace_back("THE MODEM LET 15 s PASS");
+    if (event.silences > 1) parts.push_back("THE MODEM LET 15 s PASS, " + times(event.silences));
+    for (const Problem& problem : event.problems)
+      parts.push_back(problem.line == event.line ? problem.words
+                                                 : fmt::format("{} (line {})", problem.words, problem.line));
+    parts.insert(parts.end(), event.details.begin(), event.details.end());
+    if (event.count > 1) parts.push_back(times(event.count));
+    return fmt::format("{}", fmt::join(parts, "; "));
+  }
+
+  Console console_;
+  std::string date_;
+};
+
+void Narrator::sum(const LogSummary& summary) const {
+  const auto duration = [](bool known, int64_t millis) {
+    return known ? inSeconds(millis) : std::string("-");
+  };
+  console_.section(
+      fmt::format("{:<20}  {:>8}  {:>8}  {:>9}  {:>9}", "Requests", "number", "failed", "longest", "mean"));
+  for (const auto& [name, requests] : summary.requests) {
+    const bool timed = requests.timed > 0;
+    const int64_t mean = timed ? requests.total / static_cast<int64_t>(requests.timed) : 0;
+    console_.happening(
+        requests.failures == 0,
+        fmt::format("{:<20}  {:>8}  {:>8}  {:>9}  {:>9}", name, requests.count, requests.failures,
+                    duration(timed, requests.longest), duration(timed, mean)));
+  }
+  if (!summary.slowest.empty()) console_.section("Slowest");
+  for (const LogSummary::Slow& slow : summary.slowest)
+    console_.happening(true,
+                       fmt::format("{:<20}  {:>8}  line {}", slow.name, inSeconds(slow.took), slow.line));
+  console_.section(fmt::format("{} lines, {} of the process, which started {}", summary.lines, summary.own,
+                               times(summary.starts)));
+  if (summary.silences > 0)
+    console_.happening(false, fmt::format("The modem let 15 s pass {}.", times(summary.silences)));
+  if (summary.troubles > 0)
+    console_.happening(false,
+                       fmt::format("Something went wrong {} outside of requests.", times(summary.troubles)));
+  if (summary.unknown > 0)
+    console_.happening(false,
+                       fmt::format("{} lines are cut or not known; the first is line {}: {}", summary.unknown,
+                                   summary.first_unknown.line, summary.first_unknown.words));
+}
+
+host::UniqueFd openLog(const std::string& file) {
+  host::UniqueFd log(file.empty() ? dup(STDIN_FILENO) : open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!log) throw std::system_error(errno, std::generic_category(), "the log " + file + " cannot be read");
+  return log;
+}
+
+void explain(const ExplainOptions& options, const Common& common) {
+  if (!options.only.empty()) checkOnly(options.only);
+  const host::UniqueFd log = openLog(options.file);
+  InputLines input(log.get());
+  Narrator narrator(common.colour);
+  LogStory story([&](const LogEvent& event) {
+    if (!isWanted(options.only, event)) return;
+    if (options.json)
+      printJsonLine(toJson(event));
+    else
+      narrator.tell(event);
+  });
+  LogReader reader;
+  for (std::string line; input.next(line, kLogLineMax);)
+    story.take(reader.read(line));
+  story.finish();
+  const LogSummary& summary = story.summary();
+  if (summary.own == 0)
+    throw std::runtime_error(
+        fmt::format("the log has no line of the process: {} lines, none with the tag " KESEXT_LOG_TAG
+                    "; hookctl explain --help tells what is read",
+                    summary.lines));
+  if (options.json)
+    printJsonLine(toJson(summary));
+  else
+    narrator.sum(summary);
+}
+
+}  // namespace
+
+void addExplainCommand(CLI::App& tool, Common& common) {
+  CLI::App* command = tool.add_subcommand("explain", "Tells what happened, of a log of the process");
+  auto options = std::make_shared<ExplainOptions>();
+  command->add_option("file", options->file, "the log; standard input without any")->check(CLI::ExistingFile);
+  command
+      ->add_option(
+          "--only", options->only,
+          "failures; start-up, requests, reports, modem-logs, trouble or ends; or a request's name or its "
+          "first word")
+      ->option_text("WHAT");
+  command->add_flag("--json", options->json, "for scripts: an object on a line for each, then the summary");
+  command->footer(kExplainFooter);
+  command->callback([&common, options] {
+    if (options->file.empty() && isatty(STDIN_FILENO) == 1)
+      complain("Paste a log, or pipe one in; Ctrl-D ends.");
+    explain(*options, common);
+  });
+}
+
+}  // namespace tools

@@ -1,0 +1,84 @@
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <memory>
+#include <string>
+
+#include "handset/line_reader.h"
+#include "tools/bench/happening.h"
+#include "tools/bench/modem_control.h"
+#include "tools/bench/station.h"
+#include "tools/commands/commands.h"
+#include "tools/bench/reference.h"
+#include "tools/text/usage_error.h"
+
+namespace tools {
+
+namespace {
+
+/// How long a line of the input may wait.
+constexpr handset::Millis kGlance{100};
+
+/// Shows what has crossed the link since the last time.
+void showCrossings(handset::Modem& modem, const Console& console) {
+  modem.takeRequests();
+  Happenings crossings;
+  append(crossings, modem.takeCrossings());
+  sortByTime(crossings);
+  for (const Happening& crossing : crossings)
+    show(console, crossing);
+  flushOutput();
+}
+
+void obey(handset::Modem& modem, const std::string& line) {
+  try {
+    const std::vector<std::string> words = splitWords(line);
+    if (words.empty()) return;
+    commandModem(modem, words);
+    fmt::print("    told     {}\n", line);
+  } catch (const UsageError& error) {
+    complain(error.what());
+  }
+}
+
+/// Goes on when the input has ended; only an interruption is the end.
+[[noreturn]] void serve(handset::Modem& modem, const Console& console) {
+  const handset::LineReader input(host::UniqueFd(dup(STDIN_FILENO)));
+  size_t obeyed = 0;
+  while (true) {
+    for (const std::string& line : input.lines(obeyed)) {
+      obey(modem, line);
+      ++obeyed;
+    }
+    modem.waitForRequests(1, kGlance);
+    showCrossings(modem, console);
+  }
+}
+
+}  // namespace
+
+void addModemCommand(CLI::App& tool, Common& common) {
+  CLI::App* command = tool.add_subcommand(
+      "modem", "Runs only the simulated modem, for a parent of your own, and shows what it is asked");
+  auto root = std::make_shared<std::string>();
+  command->add_option("--root", *root, "the handset folder; made when missing, and kept")
+      ->required()
+      ->option_text("FOLDER");
+  auto times = std::make_shared<bool>();
+  command->add_flag("--times", *times, kTimesHelp);
+  command->footer("Lines of the input tell the modem what to do:\n" + modemReference() +
+                  "\nExample:\n  hookctl modem --root /tmp/handset &\n"
+                  "  HANDSET_ROOT=/tmp/handset qmi_kesext_hook 3 4 5 0");
+  command->callback([&common, root, times] {
+    // In the background of a terminal it is not to be stopped for reading, but to go on without its input.
+    (void)std::signal(SIGTTIN, SIG_IGN);
+    Station station({.executable = common.executable, .root = *root});
+    fmt::print("the modem listens in {}; Ctrl-C ends it\n", *root);
+    flushOutput();
+    station.modem().recordCrossings(true);
+    serve(station.modem(), Console(common.colour, *times));
+  });
+}
+
+}  // namespace tools

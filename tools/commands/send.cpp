@@ -1,0 +1,206 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/ground/hook_message.h"
+#include "tools/bench/happening.h"
+#include "tools/bench/modem_control.h"
+#include "tools/bench/record_json.h"
+#include "tools/bench/station.h"
+#include "tools/commands/commands.h"
+#include "tools/records/encode.h"
+#include "tools/bench/reference.h"
+
+namespace tools {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+struct SendOptions {
+  std::vector<std::string> words;
+  std::vector<std::string> modem_lines;
+  std::string root;
+  int instance = 0;
+  std::optional<double> messages;  // seconds
+  bool log = false;
+  bool trace = false;
+  bool times = false;
+  bool check = false;
+  bool json = false;
+  bool list = false;
+};
+
+/// One request, and what is to be told of it.
+class Sending {
+ public:
+  Sending(const SendOptions& options, const Common& common)
+      : options_(options),
+        console_(common.colour, options.times),
+        request_(encodeWords(options.words)),
+        station_({.executable = common.executable,
+                  .root = options.root,
+                  .instance_id = options.instance,
+                  .share_modem = options.modem_lines.empty()}) {}
+
+  /// Whether the answer says success.
+  bool run();
+
+ private:
+  void prepare();
+  void takeNews();
+  void waitForMessages(double seconds);
+  /// Takes what there is by now and shows it; for scripts it is kept until the end.
+  void showNews();
+  void printAll(const Answer& answer) const;
+
+  const SendOptions& options_;
+  const Console console_;
+  const handset::Bytes request_;
+  Station station_;
+  size_t log_mark_ = 0;
+  Happenings taken_;
+};
+
+void Sending::prepare() {
+  station_.start();
+  // What the start leads to does not follow the request.
+  while (options_.messages && station_.process().nextUnsolicited(handset::Millis(0))) {
+  }
+  if (options_.trace) {
+    station_.needOwnModem("its own console shows what it is asked");
+    station_.modem().recordCrossings(true);
+  }
+  for (const std::string& line : options_.modem_lines)
+    commandModem(station_.modem(), splitWords(line));
+  log_mark_ = station_.process().logMark();
+}
+
+void Sending::takeNews() {
+  if (options_.log) {
+    std::vector<handset::StampedLine> lines = station_.process().stampedLogsSince(log_mark_);
+    log_mark_ += lines.size();
+    append(taken_, std::move(lines));
+  }
+  append(taken_, station_.modem().takeCrossings());
+  sortByTime(taken_);
+}
+
+void Sending::showNews() {
+  takeNews();
+  if (options_.json) return;
+  for (const Happening& happening : taken_)
+    show(console_, happening);
+  taken_.clear();
+  flushOutput();
+}
+
+void Sending::waitForMessages(double seconds) {
+  const handset::Instant until =
+      Clock::now() + std::chrono::round<Clock::duration>(std::chrono::duration<double>(seconds));
+  while (true) {
+    const auto left = std::chrono::ceil<handset::Millis>(until - Clock::now());
+    std::optional<handset::Bytes> message =
+        station_.process().nextUnsolicited(std::max(left, handset::Millis(0)));
+    if (!message) break;
+    taken_.push_back({Clock::now(), std::move(*message)});
+    showNews();
+  }
+  showNews();
+}
+
+bool Sending::run() {
+  prepare();
+  if (!options_.json) {
+    console_.record("request", decodeRequest(request_), request_, {.time = Clock::now()});
+    flushOutput();
+  }
+  const size_t log_mark = log_mark_;
+  const Answer answer = station_.ask(request_, [this] { complain("hookctl: " + station_.stillWaiting()); });
+  // What was logged before the answer is shown before it.
+  if (options_.log) station_.process().catchUpWithLog();
+  showNews();
+  const DecodedRecord decoded = decodeAnswer(request_, answer.bytes);
+  if (!options_.json) console_.record("answer", decoded, answer.bytes, {answer.came, answer.asked});
+  if (options_.log) station_.process().waitForLogSince(log_mark, "Child process waiting for data");
+  showNews();
+  if (options_.messages) waitForMessages(*options_.messages);
+  station_.end();
+  if (options_.json) printAll(answer);
+  return answerStatus(decoded, answer.bytes) == kesext::HOOK_STATUS_SUCCESS;
+}
+
+void Sending::printAll(const Answer& answer) const {
+  using Json = nlohmann::ordered_json;
+  const auto timed = [this](Json json, const Moment& moment) {
+    addMoment(json, moment, options_.times);
+    return json;
+  };
+  Json all{{"request", timed(toJson(decodeRequest(request_), request_), {.time = answer.asked})},
+           {"answer",
+            timed(toJson(decodeAnswer(request_, answer.bytes), answer.bytes), {answer.came, answer.asked})}};
+  if (options_.log) all["log"] = Json::array();
+  if (options_.trace) all["trace"] = Json::array();
+  if (options_.messages) all["messages"] = Json::array();
+  for (const Happening& happening : taken_)
+    addHappening(all, happening, options_.times);
+  printJson(all);
+}
+
+}  // namespace
+
+void addSendCommand(CLI::App& tool, Common& common) {
+  CLI::App* command = tool.add_subcommand("send", "Sends one request and shows its answer");
+  auto options = std::make_shared<SendOptions>();
+  command->add_option("request", options->words,
+                      "NAME [ARGUMENT ...]: a request by name, its arguments in order or as FIELD=VALUE, and "
+                      "spc=CODE for a CDMA\nrequest; or raw HEX");
+  command
+      ->add_option("--root", options->root,
+                   "a handset folder that is kept, with the modem that runs there, if one does; without it, "
+                   "a fresh one")
+      ->option_text("FOLDER");
+  command
+      ->add_option("--modem", options->modem_lines,
+                   "tells the modem something first, such as 'fail rde-read 90'; may be given again")
+      ->allow_extra_args(false)
+      ->option_text("LINE");
+  command->add_option("--instance", options->instance, "the process's instance id")->option_text("N");
+  command->add_flag("--log", options->log, "also what the process logs for it");
+  command
+      ->add_option("--messages", options->messages, "also the unsolicited messages that follow for so long")
+      ->check(CLI::Range(0.0, 3600.0))
+      ->option_text("SECONDS");
+  command->add_flag("--trace", options->trace, kTraceHelp);
+  command->add_flag("--times", options->times, kTimesHelp);
+  command->add_flag("--check", options->check, "the status is 1 unless the answer's is success");
+  command->add_flag("--json", options->json, "for scripts: all of it, with fields and bytes");
+  command->add_flag("--list", options->list, "tells all requests, their ids and arguments");
+  command->footer(
+      "Bytes are hexadecimal digits, text:CHARACTERS or @FILE; numbers are decimal or 0x-hexadecimal.\n"
+      "The status is 0 when an answer came, whatever it says, but see --check; 2 when there is no such "
+      "request.\n"
+      "An answer that takes longer than 2 s is waited for with a word on standard error.\n\n"
+      "Examples:\n"
+      "  hookctl send rde write 10017 0102030405\n"
+      "  hookctl send nam write mdn=5551234560 min=6195551234 mcc=310 imsi11_12=12 spc=000000\n"
+      "  hookctl send --json plmn 310 120\n"
+      "  hookctl send --modem 'fail utility 90' sysinfo-filter 1\n"
+      "  hookctl send --log --trace --times nam read\n"
+      "  hookctl send --check bsr-timer set 30 && echo done\n"
+      "  hookctl send --messages 5 coverage 7 start");
+  command->callback([&common, options] {
+    if (options->list)
+      fmt::print("{}", requestReference());
+    else if (!Sending(*options, common).run() && options->check)
+      common.status = kStatusWrong;
+  });
+}
+
+}  // namespace tools

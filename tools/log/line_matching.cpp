@@ -1,0 +1,161 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "platform/host/link_results.h"
+#include "tools/log/line_table.h"
+
+namespace tools {
+
+namespace {
+
+using Key = std::pair<char, char>;
+
+/// The rows by their first two characters, each in the table's order.
+const std::map<Key, std::vector<const LineRow*>>& index() {
+  static const auto kIndex = [] {
+    std::map<Key, std::vector<const LineRow*>> rows;
+    for (const LineRow& row : lineTable())
+      rows[{row.pattern[0], row.pattern[1]}].push_back(&row);
+    return rows;
+  }();
+  return kIndex;
+}
+
+bool isDecimal(char character) {
+  return character >= '0' && character <= '9';
+}
+
+/// How many characters at the text's beginning a place of this kind takes.
+size_t placeSize(char kind, std::string_view text) {
+  size_t size = 0;
+  const auto belongs = [kind](char character) {
+    if (isDecimal(character)) return true;
+    if (kind == 'x') return character >= 'a' && character <= 'f';
+    return kind == 'X' && character >= 'A' && character <= 'F';
+  };
+  if (kind == 'd' && text.starts_with('-')) ++size;
+  const size_t digits = size;
+  while (size < text.size() && belongs(text[size]))
+    ++size;
+  return size == digits ? 0 : size;
+}
+
+/// How many characters a text of any kind takes that is followed by this literal part, the line's last one or
+/// not; npos when that does not follow.
+size_t textSize(std::string_view text, std::string_view literal, bool last) {
+  if (!last) return text.find(literal);
+  text = text.substr(0, text.find_last_not_of(' ') + 1);
+  return text.ends_with(literal) ? text.size() - literal.size() : std::string_view::npos;
+}
+
+bool matches(std::string_view pattern, std::string_view text, Places& places) {
+  size_t place = 0;
+  while (true) {
+    const size_t literal = std::min(pattern.find('%'), pattern.size());
+    if (!text.starts_with(pattern.substr(0, literal))) {
+      // Where blanks at the end are lost, an empty text in the last place takes the one before it along.
+      const size_t words = pattern.find_last_not_of(' ', literal - 1) + 1;
+      return pattern.substr(literal) == "%s" && text == pattern.substr(0, words);
+    }
+    text.remove_prefix(literal);
+    if (literal == pattern.size()) return text.find_first_not_of(' ') == std::string_view::npos;
+    const char kind = pattern[literal + 1];
+    pattern.remove_prefix(literal + 2);
+    const std::string_view next = pattern.substr(0, pattern.find('%'));
+    const size_t size =
+        kind == 's' ? textSize(text, next, next.size() == pattern.size()) : placeSize(kind, text);
+    if (size == std::string_view::npos || (kind != 's' && size == 0)) return false;
+    places[place++] = text.substr(0, size);
+    text.remove_prefix(size);
+  }
+}
+
+/// The number in a place; 0 for one that is too large.
+int64_t numberOf(std::string_view place) {
+  return std::strtoll(std::string(place).c_str(), nullptr, 10);
+}
+
+/// What a result of sending means where that is known.
+std::string sendResult(std::string_view place, bool bench) {
+  const auto code = static_cast<int>(numberOf(place));
+  std::string number = fmt::format("code {}", code);
+  if (!bench) return number;
+  switch (code) {
+    case host::kLocalError:
+      return number + ", a bad argument or an error of this machine";
+    case host::kNoService:
+      return number + ", no such service or no link";
+    case host::kTimedOut:
+      return number + ", no answer in time";
+    case host::kNotDecoded:
+      return number + ", it does not decode";
+    default:
+      return number;
+  }
+}
+
+std::string placeInWords(std::string_view place, char what, const LineContext& context) {
+  if (what == 'e')
+    return fmt::format("{} (errno {})", std::strerror(static_cast<int>(numberOf(place))), place);
+  if (what == 'c') return sendResult(place, context.bench);
+  if (what == 'n') return elementName(place);
+  if (what == 'b') return shortened(place);
+  return std::string(place);
+}
+
+}  // namespace
+
+const LineRow* findLine(std::string_view text, Places& places) {
+  text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+  if (text.size() < 2) return nullptr;
+  const auto rows = index().find({text[0], text[1]});
+  if (rows == index().end()) return nullptr;
+  for (const LineRow* row : rows->second)
+    if (matches(row->pattern, text, places)) return row;
+  return nullptr;
+}
+
+std::string inWords(std::string_view words, const Places& places, const LineContext& context) {
+  std::string text;
+  while (!words.empty()) {
+    const size_t open = words.find('{');
+    text += words.substr(0, open);
+    if (open == std::string_view::npos) break;
+    const size_t close = words.find('}', open);
+    const std::string_view named = words.substr(open + 1, close - open - 1);
+    if (named == "*")
+      text += context.element;
+    else if (named == "#")
+      text += shortened(context.dump);
+    else
+      text += placeInWords(places[static_cast<size_t>(named[0] - '0')], named.size() > 1 ? named[1] : ' ',
+                           context);
+    words.remove_prefix(close + 1);
+  }
+  return text;
+}
+
+bool tellsTimeOut(std::string_view words, const Places& places) {
+  const size_t named = words.find("c}");
+  return named != std::string_view::npos && named > 0 &&
+         numberOf(places[static_cast<size_t>(words[named - 1] - '0')]) == host::kTimedOut;
+}
+
+std::string elementName(std::string_view index) {
+  const int64_t number = numberOf(index);
+  return fmt::format("{} (0x{:X})", number, static_cast<uint32_t>(number));
+}
+
+std::string shortened(std::string_view digits) {
+  constexpr size_t kShown = 32;
+  if (digits.size() <= kShown) return std::string(digits);
+  return fmt::format("{}... ({} bytes)", digits.substr(0, kShown), digits.size() / 2);
+}
+
+}  // namespace tools

@@ -1,0 +1,72 @@
+// What happened, of a log's lines: start-ups, requests, what the modem reported, modem logs, and what went
+// wrong.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/log/line_table.h"
+#include "tools/log/log_dumps.h"
+#include "tools/log/log_event.h"
+#include "tools/log/log_lines.h"
+
+namespace tools {
+
+class LogStory {
+ public:
+  /// `tell` is told of each event.
+  explicit LogStory(std::function<void(const LogEvent&)> tell) : tell_(std::move(tell)) {}
+
+  /// The log's next line; `line` is nothing for one of others.
+  void take(const std::optional<LogLine>& line);
+  /// The log has ended.
+  void finish();
+  [[nodiscard]] const LogSummary& summary() const { return summary_; }
+
+ private:
+  /// One of the processes that write to the log.
+  struct Teller {
+    int32_t process = 0;
+    std::optional<LogEvent> start_up;
+    std::optional<LogEvent> request;
+    std::optional<LogEvent> report;
+    LineContext context;
+    const DumpAnnouncement* announced = nullptr;
+    std::optional<Problem> asked;          // of the modem, and not yet answered
+    size_t transfers = 0;                  // of elements
+    std::vector<std::string> transferred;  // the first of them
+    size_t waits = 0;
+    std::optional<int64_t> last_time;  // of a line that is no report's
+    bool writes_nam = false;
+    size_t missing = 0;  // items, when it is written
+
+    /// What the process is at: a request, its start-up, or nothing.
+    LogEvent* current() { return request ? &*request : start_up ? &*start_up : nullptr; }
+  };
+
+  Teller& tellerOf(int32_t process);
+  [[nodiscard]] LogEvent begin(EventKind happening, const LogLine& line) const;
+  void note(Teller& teller, const LogLine& line, const LineRow& row, const Places& places);
+  void noteStart(Teller& teller, const LogLine& line, const LineRow& row, const Places& places);
+  void noteRequest(Teller& teller, const LogLine& line, const LineRow& row, const Places& places);
+  void noteApart(Teller& teller, const LogLine& line, const LineRow& row, const Places& places);
+  void noteSilence(Teller& teller, const LogLine& line);
+  static void addTransfers(Teller& teller, LogEvent& event);
+  void endStart(Teller& teller, std::optional<int64_t> now, Ending ending);
+  void endRequest(Teller& teller, std::optional<int64_t> now, Ending ending);
+  void endReport(Teller& teller);
+  void cut(Teller& teller, std::string_view why);
+  void tell(LogEvent event);
+
+  std::function<void(const LogEvent&)> tell_;
+  LogSummary summary_;
+  std::vector<Teller> tellers_;
+  std::optional<LogEvent> held_;  // told once something else happens
+};
+
+}  // namespace tools

@@ -1,0 +1,55 @@
+// Records that cross a pipe, taken apart field by field.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "handset/bytes.h"
+#include "tools/records/record_table.h"
+
+namespace tools {
+
+struct DecodedField {
+  size_t offset = 0;  // in the record, bytes
+  size_t size = 0;    // bytes
+  std::string name;
+  std::string value;
+  FieldKind kind = FieldKind::bytes;
+};
+
+/// Where a record stops making sense, and why.
+struct RecordProblem {
+  size_t offset = 0;  // in the record, bytes
+  std::string text;
+};
+
+struct DecodedRecord {
+  std::string title;                 // the record's name, with its id
+  std::string name;                  // what it does; empty where the id is not known
+  std::vector<DecodedField> fields;  // together the whole record
+  std::optional<RecordProblem> problem;
+};
+
+/// Each takes a whole record, as one write gave it, whatever its bytes are.
+DecodedRecord decodeRequest(handset::ByteView record);
+/// An answer is read by the request that it answers; without one, by its own id.
+DecodedRecord decodeAnswer(handset::ByteView request, handset::ByteView record);
+DecodedRecord decodeUnsolicited(handset::ByteView record);
+/// Bytes that are these fields and have no header.
+DecodedRecord decodePlain(std::string_view title, Fields fields, handset::ByteView bytes);
+
+/// The status in an answer's header or, of a generic one, in its payload. A generic answer of length −1 says
+/// that nothing serves the request, one without a status that it was served.
+uint32_t answerStatus(const DecodedRecord& answer, handset::ByteView record);
+
+/// Whether this begins as CDMA requests and their answers do.
+bool isCdma(handset::ByteView record);
+/// Whether this is the answer to a generic request that nothing serves.
+bool isErrorReply(handset::ByteView record);
+
+/// The row of a request's record, or null when the process serves no such request.
+const RequestRow* findRequest(handset::ByteView request);
+
+}  // namespace tools

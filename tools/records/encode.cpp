@@ -1,0 +1,292 @@
+#include "tools/records/encode.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cctype>
+#include <limits>
+#include <map>
+
+#include "core/ground/hook_message.h"
+#include "handset/hook_records.h"
+#include "tools/text/usage_error.h"
+
+namespace tools {
+
+namespace {
+
+using handset::Bytes;
+using Given = std::map<std::string_view, std::string_view>;
+
+/// What a number of this size can be.
+std::pair<int64_t, int64_t> rangeOf(const FieldSpec& field) {
+  const auto bits = static_cast<unsigned>(8 * std::min(field.size, kWordSize));
+  const int64_t highest = (int64_t{1} << bits) - 1;
+  if (field.kind == FieldKind::signedNumber) return {-(highest / 2) - 1, highest / 2};
+  return {0, highest};
+}
+
+std::string allowed(const FieldSpec& field) {
+  const bool open = field.size == kRest;
+  switch (field.kind) {
+    case FieldKind::number:
+    case FieldKind::signedNumber:
+    case FieldKind::hexNumber:
+    case FieldKind::element:
+    case FieldKind::status: {
+      const auto [least, most] = rangeOf(field);
+      return fmt::format("{} to {}", least, most);
+    }
+    case FieldKind::text:
+    case FieldKind::utf8:
+    case FieldKind::zeroEndedText:
+      return open ? "text" : fmt::format("text of up to {} characters", field.size);
+    case FieldKind::code:
+      return "6 characters, or none";
+    case FieldKind::bytes:
+      return open ? "bytes" : fmt::format("up to {} bytes", field.size);
+    case FieldKind::words:
+      return open ? "numbers with commas"
+                  : fmt::format("up to {} numbers with commas", field.size / kWordSize);
+    case FieldKind::zeros:
+      return "";
+  }
+  return "";
+}
+
+Bytes littleEndian(int64_t value, size_t size) {
+  Bytes bytes(size);
+  for (size_t i = 0; i < size; ++i)
+    bytes[i] = static_cast<uint8_t>(static_cast<uint64_t>(value) >> (8 * i));
+  return bytes;
+}
+
+Bytes parseWords(std::string_view what, std::string_view text) {
+  Bytes bytes;
+  while (!text.empty()) {
+    const size_t comma = std::min(text.find(','), text.size());
+    const int64_t word = parseNumber(what, text.substr(0, comma), 0, std::numeric_limits<uint32_t>::max());
+    bytes = handset::concat(bytes, littleEndian(word, kWordSize));
+    text.remove_prefix(std::min(comma + 1, text.size()));
+  }
+  return bytes;
+}
+
+Bytes valueBytes(const FieldSpec& field, std::string_view value) {
+  switch (field.kind) {
+    case FieldKind::number:
+    case FieldKind::signedNumber:
+    case FieldKind::hexNumber:
+    case FieldKind::element:
+    case FieldKind::status: {
+      const auto [least, most] = rangeOf(field);
+      return littleEndian(parseNumber(field.name, value, least, most), field.size);
+    }
+    case FieldKind::text:
+    case FieldKind::utf8:
+      return handset::bytesOf(value);
+    case FieldKind::zeroEndedText:
+      return handset::concat(handset::bytesOf(value), Bytes(1));
+    case FieldKind::code:
+      return value == "none" ? Bytes(field.size) : handset::bytesOf(value);
+    case FieldKind::bytes:
+    case FieldKind::zeros:
+      return parseBytes(field.name, value);
+    case FieldKind::words:
+      return parseWords(field.name, value);
+  }
+  return {};
+}
+
+/// Whether a value with this sign in it can be the field's.
+bool mayHoldEquals(const FieldSpec& field, std::string_view value) {
+  switch (field.kind) {
+    case FieldKind::text:
+    case FieldKind::utf8:
+    case FieldKind::zeroEndedText:
+      return true;
+    case FieldKind::bytes:
+      return value.starts_with("text:") || value.starts_with('@');
+    default:
+      return false;
+  }
+}
+
+bool sameName(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
+}
+
+/// The field that an argument is for, and its value.
+std::pair<const FieldSpec*, std::string_view> assign(Fields fields, std::string_view argument,
+                                                     const Given& given) {
+  const size_t equals = argument.find('=');
+  if (equals != std::string_view::npos)
+    for (const FieldSpec& field : fields)
+      if (sameName(field.name, argument.substr(0, equals))) return {&field, argument.substr(equals + 1)};
+  for (const FieldSpec& field : fields) {
+    if (field.when_absent != WhenAbsent::refused || given.contains(field.name)) continue;
+    // What stands before the sign is otherwise a name, and wrong.
+    if (equals != std::string_view::npos && !mayHoldEquals(field, argument)) break;
+    return {&field, argument};
+  }
+  return {nullptr, argument};
+}
+
+[[noreturn]] void refuseArgument(std::string_view command, Fields fields, std::string_view argument) {
+  const std::string near = didYouMean(argument.substr(0, argument.find('=')), argumentNames(fields));
+  if (!near.empty()) throw UsageError(fmt::format("{} does not take '{}'{}", command, argument, near));
+  const std::string takes = argumentHelp(fields);
+  throw UsageError(fmt::format("{} does not take '{}'; it takes {}", command, argument,
+                               takes.empty() ? "no arguments" : takes));
+}
+
+Given readArguments(std::string_view command, Fields fields, Words arguments) {
+  Given given;
+  for (const std::string_view argument : arguments) {
+    const auto [field, value] = assign(fields, argument, given);
+    if (field == nullptr) refuseArgument(command, fields, argument);
+    if (!given.emplace(field->name, value).second)
+      throw UsageError(fmt::format("{} is given twice", field->name));
+  }
+  return given;
+}
+
+/// How much a field's bytes count in a length before them: words or bytes.
+size_t countOf(const FieldSpec& field, std::string_view value) {
+  const size_t size = valueBytes(field, value).size();
+  return field.kind == FieldKind::words ? size / kWordSize : size;
+}
+
+Bytes encodeGiven(std::string_view command, Fields fields, const Given& given) {
+  const auto is_given = [&given](const FieldSpec& field) { return given.contains(field.name); };
+  const auto needed = [](const FieldSpec& field) { return field.when_absent != WhenAbsent::leftOut; };
+  if (std::none_of(fields.begin(), fields.end(), is_given) &&
+      std::any_of(fields.begin(), fields.end(), needed))
+    throw UsageError(fmt::format("{} needs {}", command, argumentHelp(fields)));
+  Bytes payload;
+  const FieldSpec* length = nullptr;  // still to be filled in
+  size_t length_at = 0;
+  for (const FieldSpec& field : fields) {
+    const auto value = given.find(field.name);
+    if (value == given.end()) {
+      if (field.when_absent == WhenAbsent::refused)
+        throw UsageError(fmt::format("{} needs {} ({})", command, field.name, allowed(field)));
+      if (field.when_absent == WhenAbsent::lengthOfRest) {
+        length = &field;
+        length_at = payload.size();
+      }
+      if (field.when_absent != WhenAbsent::leftOut) payload.resize(payload.size() + field.size);
+      continue;
+    }
+    const Bytes bytes = encodeField(field, value->second);
+    payload.insert(payload.end(), bytes.begin(), bytes.end());
+    if (length == nullptr) continue;
+    const Bytes count = littleEndian(static_cast<int64_t>(countOf(field, value->second)), length->size);
+    std::copy(count.begin(), count.end(), payload.begin() + static_cast<ptrdiff_t>(length_at));
+    if (field.size == kRest || field.kind == FieldKind::bytes) length = nullptr;
+  }
+  return payload;
+}
+
+/// What a request is given as: its payload, and for a CDMA request the code.
+std::vector<FieldSpec> allFields(const RequestRow& row) {
+  std::vector<FieldSpec> fields(row.request.begin(), row.request.end());
+  if (row.family == Family::cdma) fields.push_back(kSpcField);
+  return fields;
+}
+
+}  // namespace
+
+const RequestRow& takeRequestName(Words& words) {
+  const RequestRow* found = nullptr;
+  size_t taken = 0;
+  std::string name;
+  for (size_t count = 1; count <= std::min<size_t>(2, words.size()); ++count) {
+    name += (count > 1 ? " " : "") + words[count - 1];
+    for (const RequestRow& row : requestTable()) {
+      if (row.command != name) continue;
+      found = &row;
+      taken = count;
+    }
+  }
+  if (found == nullptr)
+    throw UsageError(fmt::format("there is no request '{}'{}", name, didYouMean(name, requestNames())));
+  words = words.subspan(taken);
+  return *found;
+}
+
+Bytes encodeField(const FieldSpec& field, std::string_view value) {
+  Bytes bytes = valueBytes(field, value);
+  const bool fits = field.kind == FieldKind::code ? bytes.size() == field.size : bytes.size() <= field.size;
+  if (!fits) throw UsageError(fmt::format("{} takes {}, not '{}'", field.name, allowed(field), value));
+  if (field.size != kRest) bytes.resize(field.size);
+  return bytes;
+}
+
+Bytes encodeFields(std::string_view command, Fields fields, Words arguments) {
+  return encodeGiven(command, fields, readArguments(command, fields, arguments));
+}
+
+Bytes encodeRequest(const RequestRow& row, Words arguments) {
+  const std::vector<FieldSpec> fields = allFields(row);
+  const Given given = readArguments(row.command, fields, arguments);
+  const Bytes payload = encodeGiven(row.command, row.request, given);
+  Bytes record = row.family == Family::generic ? handset::genericRequest(row.id, payload)
+                                               : handset::cdmaRequest(row.id, payload);
+  if (record.size() > kesext::kRequestBufferSize)
+    throw UsageError(fmt::format("{} would be {} bytes long; a request has at most {}", row.command,
+                                 record.size(), kesext::kRequestBufferSize));
+  if (const auto code = given.find(kSpcField.name); code != given.end()) {
+    const Bytes bytes = encodeField(kSpcField, code->second);
+    std::copy(bytes.begin(), bytes.end(), record.begin() + offsetof(kesext::OemHookHeader, spc));
+  }
+  return record;
+}
+
+Bytes encodeWords(Words words) {
+  if (words.empty()) throw UsageError("a request is NAME [ARGUMENT ...] or raw HEX");
+  if (words.front() != "raw") {
+    const RequestRow& row = takeRequestName(words);
+    return encodeRequest(row, words);
+  }
+  Bytes record;
+  for (const std::string& word : words.subspan(1))
+    record = handset::concat(record, parseBytes("raw", word));
+  if (record.empty() || record.size() > kesext::kRequestBufferSize)
+    throw UsageError(fmt::format("raw takes 1 to {} bytes", kesext::kRequestBufferSize));
+  return record;
+}
+
+std::string argumentHelp(Fields fields) {
+  std::string help;
+  for (const FieldSpec& field : fields) {
+    if (field.kind == FieldKind::zeros) continue;
+    if (!help.empty()) help += ' ';
+    if (field.when_absent == WhenAbsent::refused)
+      help += fmt::format("{} ({})", field.name, allowed(field));
+    else
+      help += fmt::format("[{}={}]", field.name, allowed(field));
+  }
+  return help;
+}
+
+std::string argumentHelp(const RequestRow& row) {
+  return argumentHelp(allFields(row));
+}
+
+std::vector<std::string_view> argumentNames(Fields fields) {
+  std::vector<std::string_view> names;
+  for (const FieldSpec& field : fields)
+    if (field.kind != FieldKind::zeros) names.push_back(field.name);
+  return names;
+}
+
+std::vector<std::string_view> requestNames() {
+  std::vector<std::string_view> names;
+  for (const RequestRow& row : requestTable())
+    names.push_back(row.command);
+  return names;
+}
+
+}  // namespace tools

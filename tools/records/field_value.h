@@ -1,0 +1,22 @@
+// Bytes of a field in words.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "handset/bytes.h"
+#include "tools/records/record_table.h"
+
+namespace tools {
+
+/// What the bytes of a field of this kind say; whatever is no printable text in a text is escaped.
+std::string valueOf(FieldKind kind, handset::ByteView bytes);
+
+/// The number that up to eight bytes are, the least significant first.
+uint64_t numberIn(handset::ByteView bytes);
+
+/// The bytes between quotes: printable ASCII as it stands, everything else as \xNN.
+std::string quoted(handset::ByteView bytes);
+
+}  // namespace tools

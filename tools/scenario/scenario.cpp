@@ -1,0 +1,185 @@
+#include "tools/scenario/scenario.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+
+#include "tools/scenario/values.h"
+#include "tools/text/usage_error.h"
+
+namespace tools {
+
+namespace {
+
+constexpr std::string_view kTitle = "title";
+constexpr std::string_view kExpect = "expect";
+
+std::string readText(const std::string& path) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored))
+    throw UsageError(fmt::format("{} is a folder; a scenario is one file of it", path));
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw UsageError(fmt::format("the scenario {} cannot be read: {}", path, std::strerror(errno)));
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Throws UsageError when an object has a key twice, of which a reader of JSON keeps only one.
+class DuplicateCheck {
+ public:
+  bool take(Json::parse_event_t event, const Json& parsed) {
+    constexpr size_t kDepthOfSteps = 2;
+    if (event == Json::parse_event_t::object_start) {
+      keys_.emplace_back();
+      if (keys_.size() == kDepthOfSteps) ++step_;
+    } else if (event == Json::parse_event_t::object_end) {
+      keys_.pop_back();
+    } else if (event == Json::parse_event_t::key && !keys_.back().insert(parsed.get<std::string>()).second) {
+      const std::string where = keys_.size() < kDepthOfSteps ? "" : fmt::format("step {}: ", step_);
+      throw UsageError(fmt::format("{}{} is given twice", where, parsed.dump()));
+    }
+    return true;
+  }
+
+ private:
+  std::vector<std::set<std::string>> keys_;
+  size_t step_ = 0;
+};
+
+/// "LINE:COLUMN: what is wrong" with text that is not JSON.
+std::string syntaxError(const std::string& text, const Json::parse_error& error) {
+  const size_t at = std::min(text.size(), error.byte > 0 ? error.byte - 1 : 0);
+  const size_t line_start = at > 0 ? text.rfind('\n', at - 1) + 1 : 0;
+  const auto line = 1 + std::count(text.begin(), text.begin() + static_cast<ptrdiff_t>(at), '\n');
+  std::string_view what = error.what();
+  what = what.substr(std::min(what.find(": ") + 2, what.size()));
+  return fmt::format("{}:{}: {}", line, at - line_start + 1, what);
+}
+
+Json parse(const std::string& text) {
+  DuplicateCheck duplicates;
+  return Json::parse(
+      text, [&](int, Json::parse_event_t event, Json& parsed) { return duplicates.take(event, parsed); });
+}
+
+std::vector<std::string_view> namesOf(std::span<const StepWord> words) {
+  std::vector<std::string_view> names;
+  for (const StepWord& word : words)
+    names.push_back(word.name);
+  return names;
+}
+
+/// Lets the rows read the members that are theirs, in the table's order.
+void readWords(const Json& object, std::span<const StepWord> words, std::string_view place, Reading& reading,
+               Step& step) {
+  for (const StepWord& word : words) {
+    if (!object.contains(word.name)) continue;
+    try {
+      step.deeds.push_back(word.read(object.at(word.name), reading));
+    } catch (const UsageError& error) {
+      throw UsageError(fmt::format("{}{}: {}", place, word.name, error.what()));
+    }
+  }
+}
+
+/// What a step without a title is called: what it does.
+std::string defaultTitle(const Json& object) {
+  for (const StepWord& word : actionWords()) {
+    if (!object.contains(word.name)) continue;
+    const Json& value = object.at(word.name);
+    return fmt::format("{} {}", word.name, value.is_string() ? value.get<std::string>() : value.dump());
+  }
+  std::string title;
+  if (object.contains(kExpect) && object.at(kExpect).is_object())
+    for (const auto& [key, value] : object.at(kExpect).items())
+      title += (title.empty() ? "expect " : ", ") + key;
+  return title;
+}
+
+std::string titleOf(const Json& object) {
+  if (!object.is_object()) return "";
+  return object.contains(kTitle) && object.at(kTitle).is_string() ? object.at(kTitle).get<std::string>()
+                                                                  : defaultTitle(object);
+}
+
+Step readStep(const Json& object, bool& running) {
+  std::vector<std::string_view> known = namesOf(actionWords());
+  known.insert(known.begin(), {kTitle, kExpect});
+  checkKeys(object, known);
+  std::vector<std::string_view> actions;
+  for (const std::string_view name : namesOf(actionWords()))
+    if (object.contains(name)) actions.push_back(name);
+  if (actions.size() > 1)
+    throw UsageError(
+        fmt::format("a step does one thing, not {}; make several steps of it", fmt::join(actions, " and ")));
+  if (actions.empty() && (!object.contains(kExpect) || object.at(kExpect).empty()))
+    throw UsageError("the step does nothing and expects nothing");
+  Step step{.title = object.contains(kTitle) ? textOf(object.at(kTitle)) : defaultTitle(object), .deeds = {}};
+  Reading reading{.running = running};
+  readWords(object, actionWords(), "", reading, step);
+  if (object.contains(kExpect)) {
+    const Json& expect = object.at(kExpect);
+    try {
+      checkKeys(expect, namesOf(expectationWords()));
+    } catch (const UsageError& error) {
+      throw UsageError(fmt::format("{}: {}", kExpect, error.what()));
+    }
+    readWords(expect, expectationWords(), "expect ", reading, step);
+  }
+  if (reading.ends_process)
+    step.deeds.emplace_back([expected = reading.exit_expected](Play& play) {
+      if (play.exit && *play.exit != expected)
+        play.wrong.push_back(fmt::format("exit: expected {}, but {}", expected, describeEnd(*play.exit)));
+    });
+  running = reading.running;
+  return step;
+}
+
+Scenario readSteps(const Json& object) {
+  constexpr std::string_view kSteps = "steps";
+  constexpr std::string_view kKeys[] = {kTitle, "about", kSteps};
+  checkKeys(object, kKeys);
+  if (!object.contains(kSteps) || !object.at(kSteps).is_array() || object.at(kSteps).empty())
+    throw UsageError("a scenario has \"steps\": [{...}, ...]");
+  Scenario scenario;
+  for (const std::string_view key : {kKeys[0], kKeys[1]}) {
+    if (object.contains(key) && !object.at(key).is_string())
+      throw UsageError(fmt::format("{}: takes text, not {}", key, object.at(key).dump()));
+  }
+  scenario.title = object.value(std::string(kTitle), "");
+  bool running = false;
+  for (const Json& step : object.at(kSteps)) {
+    try {
+      scenario.steps.push_back(readStep(step, running));
+    } catch (const UsageError& error) {
+      const std::string title = titleOf(step);
+      throw UsageError(fmt::format("step {}{}: {}", scenario.steps.size() + 1,
+                                   title.empty() ? "" : fmt::format(" ({})", title), error.what()));
+    }
+  }
+  if (running)
+    scenario.steps.push_back(readStep({{kTitle, "The end of the process"}, {"process", "end"}}, running));
+  return scenario;
+}
+
+}  // namespace
+
+Scenario readScenario(const std::string& path) {
+  const std::string text = readText(path);
+  try {
+    return readSteps(parse(text));
+  } catch (const Json::parse_error& error) {
+    throw UsageError(fmt::format("{}:{}", path, syntaxError(text, error)));
+  } catch (const Json::exception& error) {  // a number beyond all that can be stored
+    throw UsageError(fmt::format("{}: {}", path, error.what()));
+  } catch (const UsageError& error) {
+    throw UsageError(fmt::format("{}: {}", path, error.what()));
+  }
+}
+
+}  // namespace tools

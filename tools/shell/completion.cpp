@@ -1,0 +1,142 @@
+#include "tools/shell/completion.h"
+
+#include <algorithm>
+#include <set>
+
+#include "tools/bench/modem_control.h"
+#include "tools/records/encode.h"
+#include "tools/records/record_table.h"
+#include "tools/text/usage_error.h"
+#include "tools/text/words.h"
+
+namespace tools {
+
+namespace {
+
+using Candidates = std::set<std::string>;
+
+/// How many words of `phrase` the line begins with, when that is all of them; 0 otherwise.
+size_t wordsMatched(std::string_view phrase, Words line) {
+  const std::vector<std::string> words = splitWords(phrase);
+  const bool matches = words.size() <= line.size() && std::equal(words.begin(), words.end(), line.begin());
+  return matches ? words.size() : 0;
+}
+
+/// The next word of a phrase that the line is at the beginning of.
+void offerPhrase(std::string_view phrase, Words line, Candidates& into) {
+  const std::vector<std::string> words = splitWords(phrase);
+  if (line.size() < words.size() && std::equal(line.begin(), line.end(), words.begin()))
+    into.insert(words[line.size()]);
+}
+
+void offerArguments(Fields fields, Words given, Candidates& into) {
+  for (const std::string_view name : argumentNames(fields)) {
+    const std::string argument = std::string(name) + '=';
+    const auto isThis = [&](const std::string& word) { return word.starts_with(argument); };
+    if (std::none_of(given.begin(), given.end(), isThis)) into.insert(argument);
+  }
+}
+
+void offerRequest(const RequestRow& row, Words given, Candidates& into) {
+  offerArguments(row.request, given, into);
+  if (row.family == Family::cdma) offerArguments({&kSpcField, 1}, given, into);
+}
+
+void offerIndication(Words given, Candidates& into) {
+  for (const PackageRow& row : packageTable())
+    offerPhrase(row.name, given, into);
+  for (const IndicationRow& row : indicationTable()) {
+    offerPhrase(row.name, given, into);
+    if (wordsMatched(row.name, given) > 0) offerArguments(row.fields, given.subspan(1), into);
+  }
+}
+
+void offerAlternatives(std::string_view alternatives, Candidates& into) {
+  while (!alternatives.empty()) {
+    const size_t end = std::min(alternatives.find('|'), alternatives.size());
+    into.emplace(alternatives.substr(0, end));
+    alternatives.remove_prefix(std::min(end + 1, alternatives.size()));
+  }
+}
+
+/// Another word of what a command of the modem takes.
+void offerForModem(const ModemCommandRow& row, Words given, Candidates& into) {
+  const std::vector<std::string> takes = splitWords(row.arguments);
+  if (!takes.empty() && takes.front() == "INDICATION") return offerIndication(given, into);
+  if (given.size() >= takes.size()) return;
+  const std::string& next = takes[given.size()];
+  if (next == "MESSAGE") {
+    const std::vector<std::string> names = messageNames();
+    into.insert(names.begin(), names.end());
+  }
+  if (next.find('|') != std::string::npos) offerAlternatives(next, into);
+}
+
+void offerModem(Words line, Candidates& into) {
+  for (const ModemCommandRow& row : modemCommandTable()) {
+    offerPhrase(row.name, line, into);
+    if (const size_t matched = wordsMatched(row.name, line)) offerForModem(row, line.subspan(matched), into);
+  }
+}
+
+void offerNames(std::span<const Syntax> commands, Words line, Candidates& into) {
+  for (const Syntax& command : commands)
+    offerPhrase(command.name, line, into);
+  for (const std::string_view request : requestNames())
+    offerPhrase(request, line, into);
+}
+
+void offerForCommand(std::span<const Syntax> commands, const Syntax& command, Words given, Candidates& into) {
+  if (command.arguments == "COMMAND") return offerModem(given, into);
+  if (command.arguments == "[TOPIC]") return offerNames(commands, given, into);
+  if (given.empty() && command.arguments.find('|') != std::string_view::npos)
+    offerAlternatives(command.arguments, into);
+}
+
+Candidates candidatesFor(std::span<const Syntax> commands, Words line) {
+  Candidates found;
+  offerNames(commands, line, found);
+  for (const Syntax& command : commands)
+    if (wordsMatched(command.name, line) > 0) offerForCommand(commands, command, line.subspan(1), found);
+  for (const RequestRow& row : requestTable())
+    if (const size_t matched = wordsMatched(row.command, line))
+      offerRequest(row, line.subspan(matched), found);
+  return found;
+}
+
+std::string commonStart(const std::vector<std::string>& words) {
+  std::string common = words.front();
+  for (const std::string& word : words) {
+    const auto differ = std::mismatch(common.begin(), common.end(), word.begin(), word.end());
+    common.erase(differ.first, common.end());
+  }
+  return common;
+}
+
+}  // namespace
+
+Completion complete(std::span<const Syntax> commands, std::string_view line) {
+  std::vector<std::string> words;
+  try {
+    words = splitWords(line);
+  } catch (const UsageError&) {
+    return {};
+  }
+  std::string word;
+  if (!line.empty() && line.back() != ' ' && line.back() != '\t') {
+    word = words.back();
+    words.pop_back();
+  }
+  // What stands there with quotes is not what a candidate could be put behind.
+  if (!line.ends_with(word)) return {};
+  Completion completion;
+  for (const std::string& candidate : candidatesFor(commands, words))
+    if (candidate.starts_with(word)) completion.candidates.push_back(candidate);
+  if (completion.candidates.empty()) return {};
+  completion.insertion = commonStart(completion.candidates).substr(word.size());
+  const bool certain = completion.candidates.size() == 1 && !completion.candidates.front().ends_with('=');
+  if (certain) completion.insertion += ' ';
+  return completion;
+}
+
+}  // namespace tools
