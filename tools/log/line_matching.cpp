@@ -20,8 +20,9 @@ using Key = std::pair<char, char>;
 const std::map<Key, std::vector<const LineRow*>>& index() {
   static const auto kIndex = [] {
     std::map<Key, std::vector<const LineRow*>> rows;
-    for (const LineRow& row : lineTable())
-      rows[{row.pattern[0], row.pattern[1]}].push_back(&row);
+    for (const auto table : {processLines(), serviceLines(), modemLines()})
+      for (const LineRow& row : table)
+        rows[{row.pattern[0], row.pattern[1]}].push_back(&row);
     return rows;
   }();
   return kIndex;
