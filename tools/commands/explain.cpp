@@ -33,23 +33,25 @@ constexpr size_t kLogLineMax = size_t{64} * 1024;  // characters
 constexpr std::string_view kOnlyFailures = "failures";
 
 constexpr const char* kExplainFooter =
-    "The log is a workstation's (\"E RIL-KESEXT: ...\") or a handset's, as logcat prints it: brief, time, "
-    "threadtime, long,\n"
-    "with colours or without. Lines of other processes are skipped. Each thing that happened is a line: the "
-    "number of its\n"
-    "first line in the log, process and time where the log has them, how long it took, and how it ended:\n\n"
-    "  success              the process said so\n"
-    "  answered             nothing in the log says that it failed; not every failure is logged\n"
-    "  answered with zeros  the modem failed; the answer says success all the same\n"
-    "  failed, not served   the answer says so\n"
-    "  cut                  the log has no end of it\n\n"
-    "With --json each is an object on a line of its own, and the last one the summary.\n\n"
-    "The status is 1 when the log has no line of the process.\n\n"
-    "Examples:\n"
-    "  hookctl explain radio.log\n"
-    "  adb logcat -d -b radio | hookctl explain --only failures\n"
-    "  hookctl explain --only nam radio.log          all requests whose names begin with nam\n"
-    "  hookctl explain --json radio.log | tail -n 1  the summary for scripts";
+    R"(The log is a workstation's ("E RIL-KESEXT: ...") or a handset's, as logcat prints it: brief, time, threadtime,
+long, with colours or without. Lines of other processes are skipped. Each thing that happened is a line: the
+number of its first line in the log, process and time where the log has them, how long it took, and how it ended:
+
+  success              the process said so
+  answered             nothing in the log says that it failed; not every failure is logged
+  answered with zeros  the modem failed; the answer says success all the same
+  failed, not served   the answer says so
+  cut                  the log has no end of it
+
+With --json each is an object on a line of its own, and the last one the summary.
+
+The status is 1 when the log has no line of the process.
+
+Examples:
+  hookctl explain radio.log
+  adb logcat -d -b radio | hookctl explain --only failures
+  hookctl explain --only nam radio.log          all requests whose names begin with nam
+  hookctl explain --json radio.log | tail -n 1  the summary for scripts)";
 
 struct ExplainOptions {
   std::string file;
