@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 
 #include "support/tool_test.h"
+#include "tools/bench/question.h"
+#include "tools/records/link_table.h"
 
 namespace kesext_test {
 namespace {
@@ -163,6 +165,35 @@ TEST_F(Play, AKeptFolderCanBePlayedInAgain) {
     EXPECT_EQ(result.status, 0) << result.out << result.err;
   }
   EXPECT_TRUE(fs::exists(root + "/data/adam"));
+}
+
+TEST(Question, IsWrittenInTheShortestWordsThatItIsReadFrom) {
+  const std::string lines[] = {"rde-read rde_index=38",
+                               "rde-write rde_index=10017 data=0102030400",
+                               "rde-write rde_index=10017 length=7 data_len=3 data=text:abc",
+                               "change-programming-code current=000000 changed=123456",
+                               "write-a-key code=123456 akey=98765432109876543210987654",
+                               "plmn-name mcc=310 mnc=120 flags_4=0101 flags_10=0101",
+                               "utility type=4 len=256",
+                               "utility type=1 'req_data=text:two words'",
+                               "factory-reset reset_flag=0x1",
+                               "data-plmn 00",
+                               "data-plmn zero=0001",
+                               "tot-order-update count=2 entries=67305985,134678021",
+                               "roaming-list-segment data=A5*16384",
+                               "roaming-list-segment 'data=0102 A5*20 030303'",
+                               "antenna-tuning data=010203",
+                               "validate-programming-code FF",
+                               "serving-system"};
+  for (const std::string& line : lines) {
+    const tools::Question question = tools::readQuestion(line);
+    const handset::Received asked{.service = question.row->service,
+                                  .id = question.row->id,
+                                  .body = question.body.value_or(handset::Bytes{})};
+    const std::string written = tools::writeQuestion(asked);
+    EXPECT_EQ(written, line);
+    EXPECT_THAT(tools::compareQuestion(question, asked), ::testing::IsEmpty());
+  }
 }
 
 }  // namespace

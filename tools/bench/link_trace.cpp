@@ -68,10 +68,7 @@ Fields responseFields(const Crossing& crossing) {
 std::string bytesText(ByteView bytes, std::optional<size_t> count) {
   const size_t counted = std::min(count.value_or(0), bytes.size());
   ByteView shown = bytes.first(counted);
-  if (!handset::isZero(bytes.subspan(counted))) {
-    const auto last = std::find_if(bytes.rbegin(), bytes.rend(), [](uint8_t byte) { return byte != 0; });
-    shown = bytes.first(static_cast<size_t>(bytes.rend() - last));
-  }
+  if (!handset::isZero(bytes.subspan(counted))) shown = withoutZerosBehind(bytes);
   if (shown.size() > kBytesShown && handset::isZero(shown)) return fmt::format("{} zeros", shown.size());
   if (shown.size() <= kBytesShown) return handset::toHex(shown);
   return fmt::format("{} ... ({} bytes)", handset::toHex(shown.first(kBytesShown)), shown.size());

@@ -183,7 +183,8 @@ void addSendCommand(CLI::App& tool, Common& common) {
   command->add_flag("--json", options->json, "for scripts: all of it, with fields and bytes");
   command->add_flag("--list", options->list, "tells all requests, their ids and arguments");
   command->footer(
-      "Bytes are hexadecimal digits, text:CHARACTERS or @FILE; numbers are decimal or 0x-hexadecimal.\n"
+      "Bytes are hexadecimal digits (A5*16: sixteen times), text:CHARACTERS or @FILE; numbers are decimal or\n"
+      "0x-hexadecimal.\n"
       "The status is 0 when an answer came, whatever it says, but see --check; 2 when there is no such "
       "request.\n"
       "An answer that takes longer than 2 s is waited for with a word on standard error.\n\n"

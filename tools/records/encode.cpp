@@ -165,26 +165,23 @@ Bytes encodeGiven(std::string_view command, Fields fields, const Given& given) {
       std::any_of(fields.begin(), fields.end(), needed))
     throw UsageError(fmt::format("{} needs {}", command, argumentHelp(fields)));
   Bytes payload;
-  const FieldSpec* length = nullptr;  // still to be filled in
-  size_t length_at = 0;
+  std::vector<std::pair<const FieldSpec*, size_t>> lengths;  // still to be filled in, and where
   for (const FieldSpec& field : fields) {
     const auto value = given.find(field.name);
     if (value == given.end()) {
       if (field.when_absent == WhenAbsent::refused)
         throw UsageError(fmt::format("{} needs {} ({})", command, field.name, allowed(field)));
-      if (field.when_absent == WhenAbsent::lengthOfRest) {
-        length = &field;
-        length_at = payload.size();
-      }
+      if (field.when_absent == WhenAbsent::lengthOfRest) lengths.emplace_back(&field, payload.size());
       if (field.when_absent != WhenAbsent::leftOut) payload.resize(payload.size() + field.size);
       continue;
     }
     const Bytes bytes = encodeField(field, value->second);
     payload.insert(payload.end(), bytes.begin(), bytes.end());
-    if (length == nullptr) continue;
-    const Bytes count = littleEndian(static_cast<int64_t>(countOf(field, value->second)), length->size);
-    std::copy(count.begin(), count.end(), payload.begin() + static_cast<ptrdiff_t>(length_at));
-    if (field.size == kRest || field.kind == FieldKind::bytes) length = nullptr;
+    for (const auto& [length, at] : lengths) {
+      const Bytes count = littleEndian(static_cast<int64_t>(countOf(field, value->second)), length->size);
+      std::copy(count.begin(), count.end(), payload.begin() + static_cast<ptrdiff_t>(at));
+    }
+    if (field.size == kRest || field.kind == FieldKind::bytes) lengths.clear();
   }
   return payload;
 }

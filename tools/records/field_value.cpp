@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "tools/text/words.h"
+
 namespace tools {
 
 namespace {
@@ -88,6 +90,40 @@ std::string wordsIn(ByteView bytes) {
 }
 
 }  // namespace
+
+ByteView withoutZerosBehind(ByteView bytes) {
+  const auto last = std::find_if(bytes.rbegin(), bytes.rend(), [](uint8_t byte) { return byte != 0; });
+  return bytes.first(static_cast<size_t>(bytes.rend() - last));
+}
+
+std::string typedValue(FieldKind kind, ByteView bytes) {
+  const ByteView used = withoutZerosBehind(bytes);
+  switch (kind) {
+    case FieldKind::number:
+    case FieldKind::element:
+    case FieldKind::status:
+      return fmt::format("{}", numberIn(bytes));
+    case FieldKind::signedNumber:
+    case FieldKind::hexNumber:
+      return valueOf(kind, bytes);
+    case FieldKind::text:
+    case FieldKind::utf8:
+    case FieldKind::zeroEndedText:
+      return {used.begin(), used.end()};
+    case FieldKind::code:
+      return used.empty() ? "none" : std::string(used.begin(), used.end());
+    case FieldKind::words: {
+      std::vector<uint32_t> numbers;
+      for (size_t at = 0; at < used.size(); at += kWordSize)
+        numbers.push_back(getLe<uint32_t>(bytes, at));
+      return fmt::format("{}", fmt::join(numbers, ","));
+    }
+    case FieldKind::bytes:
+    case FieldKind::zeros:
+      return writeBytes(used);
+  }
+  return {};
+}
 
 uint64_t numberIn(ByteView bytes) {
   uint64_t value = 0;

@@ -13,6 +13,13 @@ namespace tools {
 /// What the bytes of a field of this kind say; whatever is no printable text in a text is escaped.
 std::string valueOf(FieldKind kind, handset::ByteView bytes);
 
+/// What a person would type for these bytes, without the zeros at their end; encodeField reads it, if it can
+/// be typed at all.
+std::string typedValue(FieldKind kind, handset::ByteView bytes);
+
+/// The bytes without the zeros at their end.
+handset::ByteView withoutZerosBehind(handset::ByteView bytes);
+
 /// The number that up to eight bytes are, the least significant first.
 uint64_t numberIn(handset::ByteView bytes);
 

@@ -36,8 +36,8 @@ constexpr FieldSpec kServingSystem[] = {
     {"values_1_2_valid", 1, number}, {"padding", 1, bytes},     {"value_1", 2, number},
     {"value_2", 2, number},          {"unread", 324, bytes},    {"value_3_valid", 1, number},
     {"padding", 1, bytes},           {"value_3", 4, hexNumber}, {"unread", 68, bytes}};
-constexpr FieldSpec kNetworkQuery[] = {{"mcc", 2, number}, {"mnc", 2, number},  {"flags", 2, bytes},
-                                       {"zero", 4, zeros}, {"flags", 2, bytes}, {"zero", 20, zeros}};
+constexpr FieldSpec kNetworkQuery[] = {{"mcc", 2, number}, {"mnc", 2, number},   {"flags_4", 2, bytes},
+                                       {"zero", 4, zeros}, {"flags_10", 2, bytes}, {"zero", 20, zeros}};
 constexpr FieldSpec kNetworkName[] = {{"result", 4, number},
                                       {"error", 4, number},
                                       {"eons_name_valid", 1, number},

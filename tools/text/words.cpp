@@ -18,7 +18,7 @@ namespace {
 
 constexpr size_t kOffered = 3;
 /// More than any record takes.
-constexpr size_t kFileMax = size_t{256} * 1024;  // bytes
+constexpr size_t kBytesMax = size_t{256} * 1024;  // bytes
 
 /// How many characters have to be put in, taken out or replaced to make one of the other.
 size_t distance(std::string_view a, std::string_view b) {
@@ -36,15 +36,38 @@ size_t distance(std::string_view a, std::string_view b) {
 }
 
 std::vector<uint8_t> readFile(std::string_view what, const std::string& path) {
-  std::vector<uint8_t> bytes(kFileMax + 1);
+  std::vector<uint8_t> bytes(kBytesMax + 1);
   std::ifstream file(path, std::ios::binary);
   file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
   if (!file.is_open() || file.bad())
     throw UsageError(fmt::format("{}: the file {} cannot be read", what, path));
   bytes.resize(static_cast<size_t>(file.gcount()));
-  if (bytes.size() > kFileMax)
-    throw UsageError(fmt::format("{}: the file {} has more than {} bytes", what, path, kFileMax));
+  if (bytes.size() > kBytesMax)
+    throw UsageError(fmt::format("{}: the file {} has more than {} bytes", what, path, kBytesMax));
   return bytes;
+}
+
+/// Parts of hexadecimal digits with blanks between them; "A5*16" is sixteen times the same.
+std::vector<uint8_t> readDigits(std::string_view what, std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\n";
+  std::vector<uint8_t> bytes;
+  while (!text.empty()) {
+    const std::string_view part = text.substr(0, text.find_first_of(kBlanks));
+    text.remove_prefix(std::min(part.size() + 1, text.size()));
+    const size_t star = part.find('*');
+    const std::vector<uint8_t> unit = handset::hex(part.substr(0, star));
+    const size_t room = kBytesMax - std::min(kBytesMax, bytes.size());
+    const auto most = static_cast<int64_t>(room / std::max<size_t>(1, unit.size()));
+    const int64_t times =
+        star == std::string_view::npos ? 1 : parseNumber(what, part.substr(star + 1), 1, most);
+    for (int64_t i = 0; i < times; ++i)
+      bytes.insert(bytes.end(), unit.begin(), unit.end());
+  }
+  return bytes;
+}
+
+bool isPrintable(uint8_t byte) {
+  return byte >= 0x20 && byte < 0x7F;
 }
 
 }  // namespace
@@ -114,12 +137,38 @@ std::vector<uint8_t> parseBytes(std::string_view what, std::string_view text) {
   if (text.starts_with(kText)) return handset::bytesOf(text.substr(kText.size()));
   if (text.starts_with('@')) return readFile(what, std::string(text.substr(1)));
   try {
-    return handset::hex(text);
+    return readDigits(what, text);
   } catch (const std::invalid_argument& error) {
     throw UsageError(
         fmt::format("{} takes bytes as hexadecimal digits, text:CHARACTERS or @FILE, not '{}' ({})", what,
                     text, error.what()));
   }
+}
+
+std::string writeBytes(std::span<const uint8_t> bytes) {
+  constexpr size_t kTextLeast = 3;  // characters; what is shorter is printable by chance
+  constexpr ptrdiff_t kRunLeast = 8;
+  if (bytes.size() >= kTextLeast && std::all_of(bytes.begin(), bytes.end(), isPrintable))
+    return "text:" + std::string(bytes.begin(), bytes.end());
+  std::string text;
+  bool after_run = false;
+  for (auto at = bytes.begin(); at != bytes.end();) {
+    const auto end = std::find_if(at, bytes.end(), [&](uint8_t byte) { return byte != *at; });
+    const bool run = end - at >= kRunLeast;
+    if (!text.empty() && (run || after_run)) text += ' ';
+    text += run ? fmt::format("{:02X}*{}", *at, end - at) : handset::toHex({at, end}, "");
+    after_run = run;
+    at = end;
+  }
+  return text;
+}
+
+std::string quoteWord(std::string_view word) {
+  if (!word.empty() && word.find_first_of(" \t\"'\\") == std::string_view::npos) return std::string(word);
+  std::string quoted = "'";
+  for (const char c : word)
+    quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return quoted + "'";
 }
 
 }  // namespace tools

@@ -1,6 +1,7 @@
 // The words of a command line, and the nearest ones to a word that was not found.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -24,7 +25,14 @@ std::string didYouMean(std::string_view word, std::span<const std::string_view> 
 /// `least` to `most`.
 int64_t parseNumber(std::string_view what, std::string_view text, int64_t least, int64_t most);
 
-/// Bytes: hexadecimal digits, "text:..." or "@FILE". Throws UsageError, with `what` they are for.
+/// Bytes: hexadecimal digits, "text:..." or "@FILE"; "DIGITS*TIMES" repeats what digits up to a blank say.
+/// Throws UsageError, with `what` they are for.
 std::vector<uint8_t> parseBytes(std::string_view what, std::string_view text);
+
+/// The short text that parseBytes reads these bytes from.
+std::string writeBytes(std::span<const uint8_t> bytes);
+
+/// The word as splitWords finds it in a line: quoted where it has to be.
+std::string quoteWord(std::string_view word);
 
 }  // namespace tools
