@@ -32,7 +32,7 @@ constexpr uint32_t kElement = 100;
 struct Stage {
   Stage() : modem(folder.root()) {
     modem.recordRequests(false);
-    modem.rde().set(kElement, Bytes(32, 7));
+    modem.setElement(kElement, Bytes(32, 7));
     modem.start();
   }
   handset::ParentOptions hook() const { return quiet(folder, {KESEXT_BINARY, "3", "4", "5", "0"}); }

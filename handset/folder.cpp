@@ -97,11 +97,7 @@ void Folder::makeFolder(std::string_view handset_path) const {
 }
 
 void Folder::setProperty(const std::string& name, std::string_view value) const {
-  const std::string target = path("/properties/" + name);
-  // Names that begin with a dot are no properties, so nobody takes the new file for one.
-  const std::string fresh = path("/properties/." + name + ".new");
-  writeWhole(fresh, bytesOf(value));
-  fs::rename(fresh, target);
+  replaceFile("/properties/" + name, value);
 }
 
 std::optional<std::string> Folder::property(const std::string& name) const {
@@ -145,6 +141,14 @@ void Folder::writeFile(std::string_view handset_path, ByteView bytes) const {
 
 void Folder::writeFile(std::string_view handset_path, std::string_view text) const {
   writeFile(handset_path, bytesOf(text));
+}
+
+void Folder::replaceFile(std::string_view handset_path, std::string_view text) const {
+  const fs::path target = path(handset_path);
+  // Names that begin with a dot are no properties, so nobody takes the new file for one.
+  const fs::path fresh = target.parent_path() / ("." + target.filename().string() + ".new");
+  writeWhole(fresh, bytesOf(text));
+  fs::rename(fresh, target);
 }
 
 void Folder::writeFileAt(std::string_view handset_path, size_t offset, ByteView bytes) const {

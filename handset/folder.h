@@ -45,7 +45,9 @@ class Folder {
   /// Writes a file at a path of the handset, with the folders that lead there.
   void writeFile(std::string_view handset_path, ByteView bytes) const;
   void writeFile(std::string_view handset_path, std::string_view text) const;
-  /// The same at an offset of a fresh file, behind a hole that takes no room on the disk.
+  /// Puts a file in the place of one that is there, at once. The folder has to be there.
+  void replaceFile(std::string_view handset_path, std::string_view text) const;
+  /// The same as writeFile at an offset of a fresh file, behind a hole that takes no room on the disk.
   void writeFileAt(std::string_view handset_path, size_t offset, ByteView bytes) const;
   /// The file's bytes, or nothing when it cannot be read.
   [[nodiscard]] std::optional<Bytes> readFile(std::string_view handset_path) const;

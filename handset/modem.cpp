@@ -46,18 +46,32 @@ void Modem::stop() {
   server_.stop();
 }
 
-void Modem::dropConnections() {
-  server_.dropConnections();
+template <typename Change>
+void Modem::changeSome(Change change) {
+  std::function<void()> told;
+  {
+    const std::scoped_lock lock(mutex_);
+    change();
+    told = told_;
+  }
+  told();
 }
 
 void Modem::publish(Service service, int32_t instances) {
-  const auto frame = recordBytes(FrameHeader{FrameKind::services, service, 0, 0, instances});
+  changeSome([&] {
+    if (std::exchange(published_[service].instances, instances) == instances) return;
+    const auto frame = recordBytes(FrameHeader{FrameKind::services, service, 0, 0, instances});
+    // Sent under the lock, so that every lookup hears of changes in their order.
+    for (const auto& [id, peer] : peers_) {
+      if (peer.role == FrameKind::lookup && peer.service == service) server_.send(id, frame);
+    }
+  });
+}
+
+int32_t Modem::instances(Service service) const {
   const std::scoped_lock lock(mutex_);
-  if (std::exchange(published_[service].instances, instances) == instances) return;
-  // Sent under the lock, so that every lookup hears of changes in their order.
-  for (const auto& [id, peer] : peers_) {
-    if (peer.role == FrameKind::lookup && peer.service == service) server_.send(id, frame);
-  }
+  const auto found = published_.find(service);
+  return found == published_.end() ? Publication{}.instances : found->second.instances;
 }
 
 void Modem::refuseConnect(Service service, int32_t code) {
@@ -65,41 +79,79 @@ void Modem::refuseConnect(Service service, int32_t code) {
   published_[service].refusal = code;
 }
 
-template <typename Change>
-void Modem::changeRule(Service service, uint16_t id, Change change) {
-  const std::scoped_lock lock(mutex_);
-  std::shared_ptr<const Rule>& rule = rules_[{service, id}];
-  auto changed = rule == nullptr ? std::make_shared<Rule>() : std::make_shared<Rule>(*rule);
-  change(*changed);
-  rule = std::move(changed);
+void Modem::handle(Service service, uint16_t id, Handler handler) {
+  changeSome([&] {
+    Rule& rule = rules_[{service, id}];
+    rule = {.reply = std::nullopt, .handler = std::move(handler), .delay = rule.delay};
+  });
 }
 
-void Modem::handle(Service service, uint16_t id, Handler handler) {
-  changeRule(service, id, [&](Rule& rule) {
-    rule.handler = std::move(handler);
-    rule.silent = false;
+void Modem::setReply(Service service, uint16_t id, Reply reply) {
+  changeSome([&] {
+    Rule& rule = rules_[{service, id}];
+    rule = {.reply = std::move(reply), .handler = {}, .delay = rule.delay};
   });
 }
 
 void Modem::answer(Service service, uint16_t id, ByteView body) {
-  handle(service, id, [reply = Reply{0, Bytes(body.begin(), body.end())}](ByteView) { return reply; });
+  setReply(service, id, {0, Bytes(body.begin(), body.end())});
 }
 
 void Modem::fail(Service service, uint16_t id, int32_t code) {
-  handle(service, id, [code](ByteView) { return Reply{code, {}}; });
+  setReply(service, id, {code, {}});
 }
 
 void Modem::silence(Service service, uint16_t id) {
-  changeRule(service, id, [](Rule& rule) { rule.silent = true; });
+  changeSome([&] { rules_[{service, id}].silent = true; });
 }
 
 void Modem::delay(Service service, uint16_t id, Millis time) {
-  changeRule(service, id, [time](Rule& rule) { rule.delay = time; });
+  changeSome([&] { rules_[{service, id}].delay = time; });
 }
 
 void Modem::restore(Service service, uint16_t id) {
+  changeSome([&] { rules_.erase({service, id}); });
+}
+
+Modem::Rules Modem::rules() const {
   const std::scoped_lock lock(mutex_);
-  rules_.erase({service, id});
+  return rules_;
+}
+
+ModemState Modem::state() const {
+  const std::scoped_lock lock(mutex_);
+  return state_;
+}
+
+void Modem::change(const std::function<void(ModemState&)>& change) {
+  changeSome([&] { change(state_); });
+}
+
+void Modem::setElement(uint32_t index, ByteView data, uint32_t record) {
+  change([&](ModemState& state) { state.elements[{index, record}].assign(data.begin(), data.end()); });
+}
+
+std::optional<Bytes> Modem::element(uint32_t index, uint32_t record) const {
+  const std::scoped_lock lock(mutex_);
+  const auto found = state_.elements.find({index, record});
+  if (found == state_.elements.end()) return std::nullopt;
+  return found->second;
+}
+
+void Modem::reset() {
+  for (const Service service : {Service::dms, Service::nas, Service::vendor}) {
+    publish(service, Publication{}.instances);
+    refuseConnect(service, 0);
+  }
+  changeSome([&] {
+    rules_.clear();
+    state_ = {};
+  });
+}
+
+void Modem::onChange(std::function<void()> told) {
+  const std::scoped_lock lock(mutex_);
+  told_ = std::move(told);
 }
 
 size_t Modem::indicate(Service service, uint16_t id, ByteView body) {
@@ -131,19 +183,9 @@ std::vector<Received> Modem::requests() const {
   return requests_;
 }
 
-size_t Modem::requestCount() const {
-  const std::scoped_lock lock(mutex_);
-  return requests_.size();
-}
-
 std::vector<Received> Modem::takeRequests() {
   const std::scoped_lock lock(mutex_);
   return std::exchange(requests_, {});
-}
-
-void Modem::clearRequests() {
-  const std::scoped_lock lock(mutex_);
-  requests_.clear();
 }
 
 void Modem::recordRequests(bool on) {
@@ -256,7 +298,7 @@ void Modem::onConnect(ConnectionId id, Service service) {
 
 void Modem::onRequest(ConnectionId id, const FrameHeader& header, ByteView body) {
   const Instant asked = SocketServer::Clock::now();
-  std::shared_ptr<const Rule> rule;
+  Rule rule;
   {
     const std::scoped_lock lock(mutex_);
     const auto peer = peers_.find(id);
@@ -269,8 +311,8 @@ void Modem::onRequest(ConnectionId id, const FrameHeader& header, ByteView body)
     }
     const auto found = rules_.find({header.service, header.message_id});
     if (found != rules_.end()) rule = found->second;
-    if (rule != nullptr && (rule->silent || rule->delay > Millis::zero())) {
-      const Millis open_for = rule->silent ? kProcessPatience : std::min(rule->delay, kProcessPatience);
+    if (rule.silent || rule.delay > Millis::zero()) {
+      const Millis open_for = rule.silent ? kProcessPatience : std::min(rule.delay, kProcessPatience);
       forgetAnswered(asked);
       open_.push_back({header.service, header.message_id, asked + open_for});
     }
@@ -279,28 +321,36 @@ void Modem::onRequest(ConnectionId id, const FrameHeader& header, ByteView body)
     record({header.service, header.message_id, false, Bytes(body.begin(), body.end()), asked, done,
             std::move(reply)});
   };
-  if (rule != nullptr && rule->silent) return recordAs(asked, std::nullopt);
+  if (rule.silent) return recordAs(asked, std::nullopt);
 
-  const Reply reply = replyTo(header, body, rule.get());
+  const Reply reply = replyTo(header, body, rule);
   const auto answer =
       recordBytes(responseHeader(header.service, header.message_id, header.transaction, reply.code));
   const ByteView answer_body = reply.code == 0 ? ByteView(reply.body) : ByteView{};
   const Instant now = SocketServer::Clock::now();
-  if (rule != nullptr && rule->delay > Millis::zero()) {
-    recordAs(now + rule->delay, reply);
-    server_.sendLater(id, now + rule->delay, concat(answer, answer_body));
+  if (rule.delay > Millis::zero()) {
+    recordAs(now + rule.delay, reply);
+    server_.sendLater(id, now + rule.delay, concat(answer, answer_body));
   } else {
     recordAs(now, reply);
     server_.send(id, answer, answer_body);
   }
 }
 
-Reply Modem::replyTo(const FrameHeader& header, ByteView body, const Rule* rule) {
+Reply Modem::replyTo(const FrameHeader& header, ByteView body, const Rule& rule) {
   const MessageRow* row = findMessage(header.service, header.message_id);
   if (row != nullptr && body.size() != row->request_size) return {kMalformed, {}};
-  if (rule != nullptr && rule->handler) return rule->handler(body);
+  if (rule.reply) return *rule.reply;
+  if (rule.handler) return rule.handler(body);
+  return ownReply(header.service, header.message_id, body);
+}
+
+Reply Modem::ownReply(Service service, uint16_t id, ByteView body) {
+  const MessageRow* row = findMessage(service, id);
   if (row == nullptr) return {kUnknownMessage, {}};
-  return {0, state_.answer(*row, body)};
+  Reply reply;
+  change([&](ModemState& state) { reply.body = state.answer(*row, body); });
+  return reply;
 }
 
 }  // namespace handset

@@ -1,6 +1,6 @@
 // The modem's end of the modem link: publishes the services, answers requests, sends indications.
 //
-// Every message of the table is answered from ModemState, until a rule for (service, message id) says
+// Every message of the table is answered by ModemState, until a rule for (service, message id) says
 // otherwise. answer(), fail(), handle() and silence() replace one another; delay() adds to any of them;
 // restore() undoes all. Unless it is silenced, a request whose size is not the table's is refused with
 // kMalformed, and one that neither table nor rules know with kUnknownMessage. Rules may be set for ids
@@ -12,7 +12,6 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -77,10 +76,10 @@ class Modem {
   void start();
   /// Goes away: no socket, no connections. Settings, state and recorded requests stay.
   void stop();
-  void dropConnections();
 
   /// How many instances of a service there are; 1 at first. A service with none refuses to connect.
   void publish(Service service, int32_t instances);
+  [[nodiscard]] int32_t instances(Service service) const;
   /// Refuses to connect with this code; 0 accepts again.
   void refuseConnect(Service service, int32_t code);
 
@@ -94,8 +93,29 @@ class Modem {
   void delay(Service service, uint16_t id, Millis time);
   void restore(Service service, uint16_t id);
 
-  ModemState& state() { return state_; }
-  RdeStore& rde() { return state_.rde(); }
+  /// What requests are answered by instead of the state, of those that it was told anything of.
+  struct Rule {
+    std::optional<Reply> reply;
+    Handler handler;
+    Millis delay{0};
+    bool silent = false;
+  };
+  using Rules = std::map<std::pair<Service, uint16_t>, Rule>;
+  [[nodiscard]] Rules rules() const;
+
+  /// A copy of what the modem remembers.
+  [[nodiscard]] ModemState state() const;
+  void change(const std::function<void(ModemState&)>& change);
+  void setElement(uint32_t index, ByteView data, uint32_t record = 0);
+  /// Nothing when there is no such element.
+  [[nodiscard]] std::optional<Bytes> element(uint32_t index, uint32_t record = 0) const;
+  /// What the state answers, rules apart.
+  Reply ownReply(Service service, uint16_t id, ByteView body);
+  /// Forgets everything that it was told and that was written: state, rules, instances.
+  void reset();
+  /// `told` is called after each change of what reset() forgets, before the answer to the request that made
+  /// it goes out, on the thread that made it.
+  void onChange(std::function<void()> told);
 
   /// Sends an indication to every client of the service. Returns how many got it.
   size_t indicate(Service service, uint16_t id, ByteView body);
@@ -108,8 +128,6 @@ class Modem {
 
   /// Copies of the recorded requests, in the order they came in; refused ones are among them.
   [[nodiscard]] std::vector<Received> requests() const;
-  [[nodiscard]] size_t requestCount() const;
-  void clearRequests();
   /// The recorded requests, which are then no longer recorded.
   std::vector<Received> takeRequests();
   /// Whether requests are recorded; they are at first.
@@ -129,11 +147,6 @@ class Modem {
   bool waitForLookups(Service service, size_t count, Millis timeout = kTimeout);
 
  private:
-  struct Rule {
-    Handler handler;  // none: the answer of state_
-    Millis delay{0};
-    bool silent = false;
-  };
   struct OpenRequest {
     Service service{};
     uint16_t id = 0;
@@ -148,6 +161,7 @@ class Modem {
     Service service{};
   };
 
+  void setReply(Service service, uint16_t id, Reply reply);
   void forgetAnswered(Instant now);
   void record(Crossing crossing);
   void onPacket(ConnectionId id, ByteView packet);
@@ -155,20 +169,22 @@ class Modem {
   void onLookup(ConnectionId id, Service service);
   void onConnect(ConnectionId id, Service service);
   void onRequest(ConnectionId id, const host::FrameHeader& header, ByteView body);
-  Reply replyTo(const host::FrameHeader& header, ByteView body, const Rule* rule);
+  Reply replyTo(const host::FrameHeader& header, ByteView body, const Rule& rule);
+  /// Changes something under the lock, and tells.
   template <typename Change>
-  void changeRule(Service service, uint16_t id, Change change);
+  void changeSome(Change change);
   [[nodiscard]] size_t countPeers(host::FrameKind role, Service service) const;
   bool waitForPeers(host::FrameKind role, Service service, size_t count, Millis timeout);
 
   const std::string socket_path_;
-  ModemState state_;
 
   mutable std::mutex mutex_;
   std::condition_variable changed_;
+  ModemState state_;
   std::map<Service, Publication> published_;
   std::map<ConnectionId, Peer> peers_;
-  std::map<std::pair<Service, uint16_t>, std::shared_ptr<const Rule>> rules_;
+  Rules rules_;
+  std::function<void()> told_ = [] {};
   std::vector<Received> requests_;
   std::vector<OpenRequest> open_;
   std::vector<Crossing> crossings_;

@@ -2,220 +2,172 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <string>
 #include <string_view>
+
+#include "carrier/modem_messages.h"
+#include "generic/utility_messages.h"
+#include "nam/engineering_records.h"
+#include "nv/rde_messages.h"
 
 namespace handset {
 namespace {
 
-constexpr size_t kTotEntrySize = 4;
+struct Place {
+  size_t at;
+  size_t size;
+};
 
-// Where a read's response and an update's request keep the entry count and the entries.
-constexpr size_t kTotReadCountAt = 10;
-constexpr size_t kTotReadEntriesAt = 20;
-constexpr size_t kTotUpdateEntriesAt = 8;
-
-void put(Bytes& response, size_t offset, ByteView part) {
-  if (offset > response.size() || response.size() - offset < part.size()) throw std::out_of_range("put");
-  std::copy(part.begin(), part.end(), response.begin() + static_cast<ptrdiff_t>(offset));
-}
-
-// Utility requests and tuning commands come back as they were given: a length and its bytes, cut to
-// `data_max`.
-void echo(ByteView request, size_t length_at, size_t data_max, Bytes& response) {
-  const size_t data_at = length_at + sizeof(uint32_t);
-  const size_t room = std::min(data_max, request.size() - data_at);
-  const size_t length = std::min<size_t>(getLe<uint32_t>(request, length_at), room);
-  putLe(response, length_at, static_cast<uint32_t>(length));
-  put(response, data_at, request.subspan(data_at, length));
-}
-
-Bytes callProcessingRecord() {
-  Bytes record(164);
-  putLe<uint32_t>(record, 0, 12);    // frame error rate
-  record[12] = 1;                    // active pilots
-  putLe<uint16_t>(record, 16, 168);  // best active pilot
-  putLe<uint16_t>(record, 24, 4183);
-  putLe<uint16_t>(record, 26, 65535);
-  putLe<uint16_t>(record, 28, 476);                         // channel
-  record[32] = 6;                                           // protocol revision
-  putLe<uint16_t>(record, 38, static_cast<uint16_t>(-17));  // transmit power
-  putLe<uint16_t>(record, 40, 83);
-  return record;
-}
-
-Bytes evdoRecord() {
-  Bytes record(52);
-  putLe<uint16_t>(record, 0, 100);  // channel
-  record[2] = 21;                   // UATI colour code
-  putLe<uint32_t>(record, 4, 0x00C0FFEE);
-  putLe<uint16_t>(record, 8, 168);  // pilot
-  putLe<uint16_t>(record, 10, 79);
-  record[24] = 2;                                            // session state
-  putLe<uint16_t>(record, 46, static_cast<uint16_t>(-200));  // pilot energy
-  return record;
-}
-
-void fillEngineeringText(ByteView request, Bytes& response) {
-  const bool call_processing = getLe<uint32_t>(request, 0) == 0;
-  const Bytes text = bytesOf(toHex(call_processing ? callProcessingRecord() : evdoRecord(), ""));
-  putLe(response, 8, static_cast<uint32_t>(text.size()));
-  put(response, 12, text);
-}
-
-void fillApnList(Bytes& response) {
-  response[8] = 1;  // APNs
-  response[9] = 1;  // the list is present
-  put(response, 20, bytesOf("internet.example"));
-  putLe<uint32_t>(response, 20 + 108, 1);
-  put(response, 20 + 112, hex("0A 00 00 01"));
-}
-
-void fillLteChannels(Bytes& response) {
-  response[8] = 1;
-  putLe<uint16_t>(response, 10, 26665);
-  response[12] = 1;
-  putLe<uint16_t>(response, 14, 8665);
-  response[16] = 1;
-  response[17] = 3;
-  response[18] = 1;
-  response[19] = 3;
-}
-
-void fillServingSystem(Bytes& response) {
-  response[1104] = 1;
-  putLe<uint16_t>(response, 1106, 310);
-  putLe<uint16_t>(response, 1108, 120);
-  response[1434] = 1;
-  putLe<uint32_t>(response, 1436, 0x0A1B2C);
-}
-
-void fillPlmnName(Bytes& response) {
-  constexpr std::string_view kShortName = "Testnet";  // its letters are the same in the GSM alphabet
-  response[8] = 1;                                    // the name is valid
-  putLe(response, 48, static_cast<uint16_t>(kShortName.size()));
-  put(response, 52, bytesOf(kShortName));
-}
-
-void fillSignal(Bytes& response) {
-  response[8] = 1;
-  response[10] = static_cast<uint8_t>(-62);
-  response[11] = static_cast<uint8_t>(-9);
-  putLe(response, 12, static_cast<uint16_t>(-95));
-}
-
-void fillTransmitPower(Bytes& response) {
-  response[8] = 1;
-  putLe(response, 12, static_cast<uint32_t>(-35));
-}
-
-void answerNas(uint16_t id, Bytes& response) {
-  switch (id) {
-    case 0x0024:
-      return fillServingSystem(response);
-    case 0x0044:
-      return fillPlmnName(response);
-    case 0x004F:
-      return fillSignal(response);
-    case 0x005A:
-      return fillTransmitPower(response);
-    default:
-      return;
+Place placeOf(Fields fields, std::string_view name) {
+  size_t at = 0;
+  for (const FieldSpec& field : fields) {
+    if (field.name == name) return {at, field.size};
+    at += field.size;
   }
+  throw std::out_of_range("no field " + std::string(name));
 }
+
+/// A request and its response, by the names of their fields.
+struct Exchange {
+  ModemState& state;
+  const MessageRow& row;
+  ByteView request;
+  Bytes& response;
+
+  [[nodiscard]] ByteView askedBytes(std::string_view name) const {
+    const Place place = placeOf(row.request, name);
+    return request.subspan(place.at, place.size);
+  }
+  [[nodiscard]] uint32_t asked(std::string_view name) const {
+    const ByteView bytes = askedBytes(name);
+    uint32_t number = 0;
+    for (size_t i = bytes.size(); i > 0; --i)
+      number = number << 8 | bytes[i - 1];
+    return number;
+  }
+  void say(std::string_view name, ByteView bytes) const {
+    const Place place = placeOf(row.response, name);
+    if (bytes.size() > place.size) throw std::out_of_range("too much for " + std::string(name));
+    std::copy(bytes.begin(), bytes.end(), response.begin() + static_cast<ptrdiff_t>(place.at));
+  }
+  void say(std::string_view name, int64_t number) const {
+    const Place place = placeOf(row.response, name);
+    for (size_t i = 0; i < place.size; ++i)
+      response[place.at + i] = static_cast<uint8_t>(static_cast<uint64_t>(number) >> (8 * i));
+  }
+  void refuse(uint32_t error) const {
+    say("result", 1);
+    say("error", error);
+  }
+  /// Gives back what was sent, as far as its length says.
+  void echo(std::string_view length, std::string_view sent, std::string_view received) const {
+    const ByteView data = askedBytes(sent);
+    const size_t count = std::min<size_t>(asked(length), data.size());
+    say(length, static_cast<int64_t>(count));
+    say(received, data.first(count));
+  }
+};
+
+void readElement(const Exchange& exchange) {
+  for (const std::string_view name : {"rde_index", "record_num", "offset"})
+    exchange.say(name, exchange.asked(name));
+  const auto found =
+      exchange.state.elements.find({exchange.asked("rde_index"), exchange.asked("record_num")});
+  if (found == exchange.state.elements.end()) return exchange.refuse(kRdeNoElement);
+  const ByteView element = found->second;
+  const ByteView behind = element.subspan(std::min<size_t>(exchange.asked("offset"), element.size()));
+  const size_t length = exchange.asked("length");
+  const ByteView data = behind.first(length == 0 ? behind.size() : std::min(length, behind.size()));
+  exchange.say("length", static_cast<int64_t>(data.size()));
+  exchange.say("data_len", static_cast<int64_t>(data.size()));
+  exchange.say("data", data);
+}
+
+void writeElement(const Exchange& exchange) {
+  const size_t offset = exchange.asked("offset");
+  const size_t length = exchange.asked("length");
+  if (offset > kesext::kRdeDataMax || length > kesext::kRdeDataMax - offset ||
+      exchange.asked("data_len") != length)
+    return exchange.refuse(kRdeBadLength);
+  Bytes& element = exchange.state.elements[{exchange.asked("rde_index"), exchange.asked("record_num")}];
+  element.resize(std::max(element.size(), offset + length));
+  const ByteView data = exchange.askedBytes("data").first(length);
+  std::copy(data.begin(), data.end(), element.begin() + static_cast<ptrdiff_t>(offset));
+}
+
+/// Both engineering records come as hexadecimal text.
+void sayEngineeringRecord(const Exchange& exchange) {
+  constexpr kesext::CpStatusRecord kCallProcessing{.fer = 12,
+                                                   .activePilotCount = 1,
+                                                   .bestActivePilot = 168,
+                                                   .sid = 4183,
+                                                   .nid = 65535,
+                                                   .channel = 476,
+                                                   .PRevInUse = 6,
+                                                   .txPower = -17,
+                                                   .rssi = 83};
+  constexpr kesext::EvdoStatusRecord kEvdo{.hdrChanNum = 100,
+                                           .uatiColorCode = 21,
+                                           .txUati = 0x00C0FFEE,
+                                           .pilotPn = 168,
+                                           .hdrRssi = 79,
+                                           .sessionState = 2,
+                                           .pilotEnergy = -200};
+  const bool call_processing = exchange.asked("type") == 0;
+  const Bytes text = bytesOf(toHex(call_processing ? recordBytes(kCallProcessing) : recordBytes(kEvdo), ""));
+  exchange.say("data_length", static_cast<int64_t>(text.size()));
+  exchange.say("data", text);
+}
+
+/// What a message of the vendor service does.
+struct ActRow {
+  uint32_t id;
+  void (*act)(const Exchange&);
+};
+constexpr ActRow kActs[] = {
+    {kesext::kRdeRead.id, readElement},
+    {kesext::kRdeWrite.id, writeElement},
+    {kesext::kUtility.id, [](const Exchange& e) { e.echo("len", "req_data", "data"); }},
+    {0x0010, sayEngineeringRecord},
+    {kesext::kReadBand.id,
+     [](const Exchange& e) {
+       const auto found = e.state.bands.find(e.asked("band_index"));
+       e.say("band_status", found == e.state.bands.end() ? 0 : found->second);
+     }},
+    {kesext::kWriteBand.id,
+     [](const Exchange& e) { e.state.bands[e.asked("band_index")] = e.asked("band_status"); }},
+    {kesext::kReadTotOrder.id,
+     [](const Exchange& e) {
+       e.say("count", static_cast<int64_t>(e.state.tot_order.size() / kesext::kTotOrderEntrySize));
+       e.say("entries", e.state.tot_order);
+     }},
+    {kesext::kUpdateTotOrder.id,
+     [](const Exchange& e) {
+       const size_t size = e.asked("count") * kesext::kTotOrderEntrySize;
+       const ByteView entries = e.askedBytes("entries");
+       const ByteView order = entries.first(std::min(size, entries.size()));
+       e.state.tot_order.assign(order.begin(), order.end());
+     }},
+    {kesext::kReadBsrTimer.id, [](const Exchange& e) { e.say("timer", e.state.bsr_timer); }},
+    {kesext::kSetBsrTimer.id, [](const Exchange& e) { e.state.bsr_timer = e.asked("timer"); }},
+    {0x0110, [](const Exchange& e) { e.echo("length", "data", "data"); }},
+};
 
 }  // namespace
 
-uint32_t ModemState::band(uint32_t index) const {
-  const std::scoped_lock lock(mutex_);
-  const auto found = bands_.find(index);
-  return found == bands_.end() ? 0 : found->second;
-}
-
-void ModemState::setBand(uint32_t index, uint32_t status) {
-  const std::scoped_lock lock(mutex_);
-  bands_[index] = status;
-}
-
-uint32_t ModemState::bsrTimer() const {
-  const std::scoped_lock lock(mutex_);
-  return bsr_timer_;
-}
-
-void ModemState::setBsrTimer(uint32_t timer) {
-  const std::scoped_lock lock(mutex_);
-  bsr_timer_ = timer;
-}
-
-Bytes ModemState::totOrder() const {
-  const std::scoped_lock lock(mutex_);
-  return tot_order_;
-}
-
-void ModemState::setTotOrder(ByteView entries) {
-  if (entries.size() % kTotEntrySize != 0 || entries.size() > kTotEntriesMax * kTotEntrySize) {
-    throw std::length_error("not a TOT order");
-  }
-  const std::scoped_lock lock(mutex_);
-  tot_order_.assign(entries.begin(), entries.end());
-}
-
 Bytes ModemState::answer(const MessageRow& row, ByteView request) {
   Bytes response(row.response_size);
+  const Exchange exchange{*this, row, request, response};
   response[0] = row.done;
-  switch (row.service) {
-    case Service::vendor:
-      answerVendor(row.id, request, response);
-      break;
-    case Service::nas:
-      answerNas(row.id, response);
-      break;
-    case Service::dms:
-      break;
+  for (const FieldValue& value : row.says) {
+    if (value.text.empty())
+      exchange.say(value.field, value.number);
+    else
+      exchange.say(value.field, bytesOf(value.text));
   }
+  for (const ActRow& row_of_act : kActs)
+    if (row.service == Service::vendor && row_of_act.id == row.id) row_of_act.act(exchange);
   return response;
-}
-
-void ModemState::answerVendor(uint16_t id, ByteView request, Bytes& response) {
-  switch (id) {
-    case 0x0008:
-      response = rde_.read(request);
-      return;
-    case 0x0009:
-      response = rde_.write(request);
-      return;
-    case 0x000F:
-      return echo(request, 4, 256, response);
-    case 0x0010:
-      return fillEngineeringText(request, response);
-    case 0x0101:
-      return putLe(response, 4, band(getLe<uint32_t>(request, 0)));
-    case 0x0102:
-      return setBand(getLe<uint32_t>(request, 0), getLe<uint32_t>(request, 4));
-    case 0x0104: {
-      const Bytes entries = totOrder();
-      putLe(response, kTotReadCountAt, static_cast<uint16_t>(entries.size() / kTotEntrySize));
-      return put(response, kTotReadEntriesAt, entries);
-    }
-    case 0x0105: {
-      const size_t count = std::min<size_t>(getLe<uint16_t>(request, 0), kTotEntriesMax);
-      return setTotOrder(request.subspan(kTotUpdateEntriesAt, count * kTotEntrySize));
-    }
-    case 0x0106:
-      return fillApnList(response);
-    case 0x0107:
-      response[8] = 2;
-      return;
-    case 0x0108:
-      return putLe(response, 8, bsrTimer());
-    case 0x0109:
-      return setBsrTimer(getLe<uint32_t>(request, 0));
-    case 0x010A:
-      return fillLteChannels(response);
-    case 0x0110:
-      return echo(request, 0, 28, response);
-    default:
-      return;
-  }
 }
 
 }  // namespace handset

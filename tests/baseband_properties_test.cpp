@@ -18,12 +18,12 @@ class BasebandPropertiesTest : public HookProcessTest {
   /// Starts the process anew over these elements; an empty one does not exist.
   void Restart(const Bytes& bands, const std::string& fsg, const std::string& flex, int instance_id = 0) {
     parent_.reset();
-    modem_.rde().clear();
+    modem_.change([](handset::ModemState& state) { state.elements.clear(); });
     for (const char* name : {kBands, kNumber, kVersion})
       std::filesystem::remove(folder_.path("/properties/") + name);
-    if (!bands.empty()) modem_.rde().set(53, bands);
-    if (!fsg.empty()) modem_.rde().set(8029, handset::bytesOf(fsg));
-    if (!flex.empty()) modem_.rde().set(8028, handset::bytesOf(flex));
+    if (!bands.empty()) modem_.setElement(53, bands);
+    if (!fsg.empty()) modem_.setElement(8029, handset::bytesOf(fsg));
+    if (!flex.empty()) modem_.setElement(8028, handset::bytesOf(flex));
     Start(instance_id);
   }
 };
@@ -82,8 +82,8 @@ TEST_F(BasebandPropertiesTest, WhatCannotBeReadOrHasNoHyphenFallsBack) {
 TEST_F(BasebandPropertiesTest, AVersionThatIsGoneIsLeftAsItWas) {
   Restart({}, "A-1", "flex");
   parent_.reset();
-  modem_.rde().clear();
-  modem_.rde().set(8029, handset::bytesOf("A-2"));
+  modem_.change([](handset::ModemState& state) { state.elements.clear(); });
+  modem_.setElement(8029, handset::bytesOf("A-2"));
   Start();
   EXPECT_EQ(folder_.property(kNumber), "2");
   EXPECT_EQ(folder_.property(kVersion), "flex");

@@ -67,7 +67,7 @@ TEST_F(CarrierRequestsTest, EveryOperationAnswersSuccessRefusalAndFailedSend) {
 }
 
 TEST_F(CarrierRequestsTest, ServedRequestsLogDispatcherAndBuilderInOrder) {
-  modem_.state().setBsrTimer(5);
+  modem_.change([](handset::ModemState& state) { state.bsr_timer = 5; });
   EXPECT_EQ(Ask(cdmaRequest(0x020000BC)), cdmaResponse(0x020000BC, 0, le32(5)));
   ExpectGolden(LogsOfLastRequest(), "carrier_served");
 }
@@ -93,7 +93,7 @@ TEST_F(CarrierRequestsTest, ObsoleteIdsAreAnsweredWithStatus6) {
 TEST_F(CarrierRequestsTest, ARoamingListSegmentIsCutTo16384Bytes) {
   const Bytes data = pattern(17000);
   for (const uint32_t size : {16384U, 20000U, 0xFFFFFFFFU}) {
-    modem_.clearRequests();
+    modem_.takeRequests();
     EXPECT_EQ(Ask(cdmaRequest(0x020000B4, concat(le32(size), data))), cdmaResponse(0x020000B4, 0));
     const auto requests = modem_.requests();
     ASSERT_EQ(requests.size(), 1U);
@@ -137,11 +137,11 @@ TEST_F(CarrierRequestsTest, TheDdtmPreferenceIsOneByteOfElement10018) {
     const Bytes read = withSpc(cdmaRequest(0x020000B7 + offset));
     const Bytes write = withSpc(cdmaRequest(0x020000B8 + offset, hex("F1 02")));
     modem_.restore(Service::vendor, kRdeWriteId);
-    modem_.rde().erase(10018);
+    modem_.change([](handset::ModemState& state) { state.elements.erase({10018, 0}); });
     Record("nothing to read", read);
     Record("written", write);
     Record("read back", read);
-    modem_.rde().set(10018, hex("01 02"));
+    modem_.setElement(10018, hex("01 02"));
     Record("an element of two bytes reads as 0", read);
     modem_.fail(Service::vendor, kRdeWriteId, 8);
     Record("not written", write);
@@ -155,7 +155,7 @@ TEST_F(CarrierRequestsTest, TheLteOptionIsElement10017) {
     Record("too long", cdmaRequest(0x020000BF, pattern(600), msg_len));
   ExpectGolden(record_, "carrier_lte_option");
   for (const size_t size : {0U, 1U, 512U}) {
-    modem_.rde().erase(10017);
+    modem_.change([](handset::ModemState& state) { state.elements.erase({10017, 0}); });
     EXPECT_EQ(Ask(withSpc(cdmaRequest(0x020000BF, pattern(size)))), withSpc(cdmaResponse(0x020000BF, 0)));
     EXPECT_EQ(Ask(withSpc(cdmaRequest(0x020000BE))), withSpc(cdmaResponse(0x020000BE, 0, pattern(size))));
   }

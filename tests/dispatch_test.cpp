@@ -91,7 +91,7 @@ TEST_F(DispatchTest, AFullUnsolicitedPipeHoldsUpNoRequestAndLosesNoMessage) {
   constexpr int kNotifications = 500;  // of 50 bytes each
   for (int i = 0; i < kNotifications; ++i)
     modem_.indicate(0x0001, {});
-  modem_.rde().set(0x26, hex("01 02 03 04"));
+  modem_.setElement(0x26, hex("01 02 03 04"));
   for (int i = 0; i < 20; ++i)
     EXPECT_EQ(Ask(cdmaRequest(0x02000017)), cdmaResponse(0x02000017, 0, hex("01 02 03 04")));
   for (int i = 0; i < kNotifications; ++i) {

@@ -6,9 +6,9 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "handset/message_table.h"
 #include "support/tool_test.h"
 #include "tools/bench/question.h"
-#include "tools/records/link_table.h"
 
 namespace kesext_test {
 namespace {

@@ -5,11 +5,9 @@
 #include <csignal>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <numeric>
 
 #include "handset/hook_records.h"
 #include "support/tool_test.h"
-#include "tools/records/link_table.h"
 #include "tools/text/words.h"
 
 namespace kesext_test {
@@ -150,17 +148,6 @@ TEST_F(Send, TheModemCanBeToldWhatToAnswer) {
 }
 
 TEST_F(Send, AModemThatRefusesSaysSoInTheMessagesOwnLayout) {
-  for (const tools::LinkRow& row : tools::linkTable()) {
-    const handset::MessageRow* message = handset::findMessage(row.service, static_cast<uint16_t>(row.id));
-    ASSERT_NE(message, nullptr);
-    const auto sizeOf = [](tools::Fields fields) {
-      return std::accumulate(fields.begin(), fields.end(), size_t{0},
-                             [](size_t sum, const tools::FieldSpec& field) { return sum + field.size; });
-    };
-    EXPECT_EQ(sizeOf(row.request), message->request_size) << message->name;
-    EXPECT_EQ(sizeOf(row.response), message->response_size) << message->name;
-  }
-  EXPECT_EQ(tools::linkTable().size(), handset::messageTable().size());
   const ToolResult result = RunTool({"shell"},
                                     "modem refuse rde-read 7\nmodem refuse bsr-timer-read 8\n"
                                     "modem refuse factory-reset 9\nmodem refuse profile-switch 10\n"

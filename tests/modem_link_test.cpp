@@ -114,7 +114,7 @@ TEST_F(ModemLinkTest, TheLongestFrameGoesWholeAndALongerOneNotAtAll) {
   EXPECT_EQ(response, longest);
   longest.push_back(0);
   EXPECT_EQ(Send(kEcho, longest, response), -1);
-  EXPECT_EQ(modem_.requestCount(), 1U);
+  EXPECT_EQ(modem_.requests().size(), 1U);
 }
 
 TEST_F(ModemLinkTest, ManyThreadsEachGetTheirOwnAnswersWhileIndicationsArrive) {

@@ -11,7 +11,7 @@ using handset::Millis;
 class ModemTroubleTest : public HookProcessTest {
  protected:
   void SetUp() override {
-    modem_.rde().set(0x26, hex("01 02 03 04"));
+    modem_.setElement(0x26, hex("01 02 03 04"));
     Start();
   }
 

@@ -55,14 +55,14 @@ class NamProgrammingTest : public ServingTest {
   /// Makes every element exist, so that reads succeed.
   void FillElements() {
     for (const uint32_t item : kItems)
-      modem_.rde().set(item, pattern(100, 0x90));
+      modem_.setElement(item, pattern(100, 0x90));
   }
   /// The modem refuses reads, or writes, of these elements.
   void ModemRefuses(uint16_t message, const std::vector<uint32_t>& items) {
     modem_.handle(Service::vendor, message, [this, message, items](handset::ByteView body) {
       if (std::find(items.begin(), items.end(), handset::getLe<uint32_t>(body, 0)) != items.end())
         return handset::Reply{0, concat(le32(1), le32(9), Bytes(message == kRdeReadId ? 532 : 0))};
-      return handset::Reply{0, message == kRdeReadId ? modem_.rde().read(body) : modem_.rde().write(body)};
+      return modem_.ownReply(Service::vendor, message, body);
     });
   }
 };
@@ -92,15 +92,14 @@ TEST_F(NamProgrammingTest, AWriteSetsItsBytesAndKeepsTheOthers) {
       {2, concat(hex("00"), kept(1, 2), hex("04"))},
   };
   for (const auto& [item, record] : expected)
-    EXPECT_EQ(modem_.rde().get(item), concat(record, kept(record.size(), 100)))
-        << item << " in its own length";
+    EXPECT_EQ(modem_.element(item), concat(record, kept(record.size(), 100))) << item << " in its own length";
 }
 
 TEST_F(NamProgrammingTest, WhatWasWrittenIsReadBackAndEveryAccessAndValueLogged) {
   kesext::NamInfo info = handset::exampleNam();
   put(info.mdn, "50");
   EXPECT_EQ(Write(info), 0U);
-  EXPECT_EQ(modem_.requestCount(), 22U);
+  EXPECT_EQ(modem_.requests().size(), 22U);
   ExpectGolden(HandlerLogs(), "nam_write");
   put(info.mccT, "310");
   put(info.newSpc, "");
@@ -146,18 +145,18 @@ TEST_F(NamProgrammingTest, AnotherCodeOfDigitsIsChangedAfterTheItems) {
 
 TEST_F(NamProgrammingTest, AWriteTakesTheWholeRecordWhateverItsLength) {
   EXPECT_EQ(Ask(cdmaRequest(kSet, handset::recordBytes(handset::exampleNam()), 1)), cdmaResponse(kSet, 0));
-  EXPECT_EQ(modem_.rde().get(2), hex("00 00 04"));
+  EXPECT_EQ(modem_.element(2), hex("00 00 04"));
   Bytes cut = cdmaRequest(kSet, handset::recordBytes(handset::exampleNam()));
   cut.resize(18 + 20);
   EXPECT_EQ(Ask(cut), cdmaResponse(kSet, 0));
-  EXPECT_EQ(modem_.rde().get(2), hex("00 00 00"));
+  EXPECT_EQ(modem_.element(2), hex("00 00 00"));
   // The digits after "6195" are zero bytes: groups of 207, and a thousands code below zero.
   EXPECT_THAT(NamLogs(), Contains(E("kesext_hook_sprint_set_nam_info:  SET NAM MIN1 4294924737 MIN2 508 ")));
 }
 
 TEST_F(NamProgrammingTest, AnswersWithAFreshHeaderCarryNoCode) {
   FillElements();
-  modem_.rde().set(28, hex("06"));
+  modem_.setElement(28, hex("06"));
   for (const bool fails : {false, true}) {
     if (fails) modem_.fail(Service::vendor, kRdeReadId, 77);
     for (const uint32_t id : {0x02000001U, 0x02000003U, 0x02000007U, 0x02000011U, 0x02000012U}) {
@@ -192,12 +191,12 @@ TEST_F(NamProgrammingTest, ACodeThatIsNotSixDigitsIsNotChanged) {
 
 TEST_F(NamProgrammingTest, EveryWriteStepThatFailsIsNamedAndStopsNothing) {
   for (uint32_t step = 0; step < std::size(kItems); ++step) {
-    modem_.clearRequests();
+    modem_.takeRequests();
     ModemRefuses(kRdeWriteId, {kItems[step]});
     EXPECT_EQ(Write(handset::exampleNam()), 5U);
     EXPECT_EQ(NamLogs().back(),
               E("kesext_hook_sprint_set_nam_block_request_info:  ERROR FOUND " + std::to_string(step) + " "));
-    EXPECT_EQ(modem_.requestCount(), 22U);
+    EXPECT_EQ(modem_.requests().size(), 22U);
   }
   ModemRefuses(kRdeWriteId, {kItems[3], kItems[9]});
   EXPECT_EQ(Write(handset::exampleNam()), 5U);
@@ -208,7 +207,7 @@ TEST_F(NamProgrammingTest, AFailedReadWritesZerosWhereItWouldHaveKept) {
   FillElements();
   ModemRefuses(kRdeReadId, {15});
   EXPECT_EQ(Write(handset::exampleNam()), 0U);
-  const Bytes pairs = modem_.rde().get(15).value();
+  const Bytes pairs = modem_.element(15).value();
   EXPECT_EQ(Bytes(pairs.begin(), pairs.begin() + 81), concat(hex("00 57 10 FF FF"), Bytes(76)));
 }
 
@@ -217,7 +216,7 @@ TEST_F(NamProgrammingTest, EveryReadStepThatFailsLeavesTheRecordZero) {
   for (const uint32_t item : kItems) {
     ModemRefuses(kRdeReadId, {item});
     Record("without item " + std::to_string(item), cdmaRequest(kGet), {"ERROR FOUND", "COMPLETE", "VALUE M"});
-    EXPECT_EQ(modem_.requestCount(), 15U);
+    EXPECT_EQ(modem_.requests().size(), 15U);
   }
   ExpectGolden(record_, "nam_read_steps");
 }
@@ -232,12 +231,12 @@ TEST_F(NamProgrammingTest, OddItemsReadWithoutError) {
       {"a short record", "00"},
   };
   for (const auto& [title, item] : numbers) {
-    modem_.rde().set(8, hex(item));
+    modem_.setElement(8, hex(item));
     Record(title, cdmaRequest(kGet), {"mdn_number", "MDN"});
   }
   for (const uint32_t item : {25U, 21U})
-    modem_.rde().set(item, Bytes(9, 0xFF));
-  modem_.rde().set(30, hex("00 00 00 00 08 80"));
+    modem_.setElement(item, Bytes(9, 0xFF));
+  modem_.setElement(30, hex("00 00 00 00 08 80"));
   Record("codes of four bytes, and an unknown service option", cdmaRequest(kGet),
          {"VALUE M", "VALUE I", "VOCODER"});
   ExpectGolden(record_, "nam_odd_items");
@@ -254,7 +253,7 @@ TEST_F(NamProgrammingTest, SidNidPairsAreWordsToTheParent) {
   Bytes write = cdmaRequest(0x02000004, words);
   write[12] = '7';
   Record("the code goes back", write);
-  EXPECT_EQ(modem_.rde().get(15), item);
+  EXPECT_EQ(modem_.element(15), item);
   EXPECT_EQ(Ask(cdmaRequest(0x02000003)), cdmaResponse(0x02000003, 0, widened));
   Record("read", cdmaRequest(0x02000003));
   ModemRefuses(kRdeReadId, {15});
@@ -265,9 +264,9 @@ TEST_F(NamProgrammingTest, SidNidPairsAreWordsToTheParent) {
 }
 
 TEST_F(NamProgrammingTest, TheProtocolRevisionIsTheFirstByteOfItem28) {
-  modem_.rde().set(28, hex("F6 01 02 03"));
+  modem_.setElement(28, hex("F6 01 02 03"));
   Record("read", cdmaRequest(0x02000007));
-  modem_.rde().erase(28);
+  modem_.change([](handset::ModemState& state) { state.elements.erase({28, 0}); });
   Record("missing", cdmaRequest(0x02000007));
   ExpectGolden(record_, "protocol_revision");
 }

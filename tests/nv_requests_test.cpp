@@ -24,7 +24,7 @@ using NvRequestsTest = ServingTest;
 
 TEST_F(NvRequestsTest, EveryFixedElementIsReadAndWritten) {
   for (const FixedElement& element : kFixedElements) {
-    modem_.rde().set(element.index, pattern(10, 0xF0));
+    modem_.setElement(element.index, pattern(10, 0xF0));
     Record("read", cdmaRequest(element.read_id));
     Record("written", cdmaRequest(element.write_id, pattern(5)));
   }
@@ -45,13 +45,13 @@ TEST_F(NvRequestsTest, AFixedReadIgnoresTheModemsResultAndAWriteDoesNot) {
 TEST_F(NvRequestsTest, AFixedWriteIsBoundedTo512Bytes) {
   EXPECT_EQ(Ask(cdmaRequest(0x02000008, {})), cdmaResponse(0x02000008, 0)) << "an empty write is sent";
   EXPECT_EQ(Ask(cdmaRequest(0x02000008, pattern(512))), cdmaResponse(0x02000008, 0));
-  EXPECT_EQ(modem_.requestCount(), 2U);
-  EXPECT_EQ(modem_.rde().get(0x1C), pattern(512));
+  EXPECT_EQ(modem_.requests().size(), 2U);
+  EXPECT_EQ(modem_.element(0x1C), pattern(512));
   for (const int32_t msg_len : {513, INT32_MAX, -1, INT32_MIN}) {
     EXPECT_EQ(Ask(cdmaRequest(0x02000008, pattern(600), msg_len)), cdmaResponse(0x02000008, 5));
     EXPECT_THAT(HandlerLogs(), ElementsAre(E("Data more than buffer size " + std::to_string(msg_len))));
   }
-  EXPECT_EQ(modem_.requestCount(), 2U);
+  EXPECT_EQ(modem_.requests().size(), 2U);
 }
 
 }  // namespace

@@ -34,7 +34,7 @@ class RfSaveTest : public HookProcessTest {
   uint8_t Save() {
     while (true) {
       save_mark_ = parent_->logMark();
-      const size_t before = modem_.requestCount();
+      const size_t before = modem_.requests().size();
       modem_.indicate(kDhob, {});
       EXPECT_TRUE(modem_.waitForRequests(before + 1));
       if (WasRefused(save_mark_)) continue;
@@ -131,7 +131,7 @@ TEST_F(RfSaveTest, ASecondSaveDuringTheFirstIsRefused) {
   const auto logs = parent_->logs();
   EXPECT_THAT(logs, Contains(E(kDuplicate)));
   EXPECT_EQ(std::count(logs.begin(), logs.end(), kSending), 1) << "only the save's own";
-  modem_.rde().set(0x26, hex("01 02 03 04"));
+  modem_.setElement(0x26, hex("01 02 03 04"));
   EXPECT_EQ(Ask(cdmaRequest(0x02000017)), cdmaResponse(0x02000017, 0, hex("01 02 03 04")))
       << "requests are served beside it";
   modem_.restore(Service::vendor, kDhob);

@@ -31,7 +31,7 @@ class SimPinNoticeTest : public HookProcessTest {
       std::filesystem::remove_all(folder_.path(path));
       if (text) folder_.writeFile(path, *text);
     }
-    modem_.clearRequests();
+    modem_.takeRequests();
     Launch();
     EXPECT_TRUE(Logs("Child process waiting for data"));
     record_.emplace_back("#");

@@ -73,7 +73,7 @@ void HookProcessTest::LaunchFromShell(const std::string& script) {
 void HookProcessTest::Start(int instance_id) {
   Launch(instance_id);
   ASSERT_TRUE(Logs(kWaiting));
-  modem_.clearRequests();
+  modem_.takeRequests();
 }
 
 Bytes HookProcessTest::Ask(const Bytes& request) {
@@ -106,7 +106,7 @@ std::vector<std::string> HookProcessTest::HandlerLogs() {
 
 void HookProcessTest::Record(const std::string& title, const Bytes& request,
                              const std::vector<std::string>& only) {
-  modem_.clearRequests();
+  modem_.takeRequests();
   record_.push_back("# " + title + ": " + brief(Ask(request)));
   RecordSent(only);
   for (const std::string& line : only.empty() ? HandlerLogs() : LogsOfLastRequest())

@@ -7,9 +7,9 @@
 #include <chrono>
 #include <map>
 
+#include "handset/message_table.h"
 #include "tools/bench/console.h"
 #include "tools/records/field_value.h"
-#include "tools/records/link_table.h"
 
 namespace tools {
 
@@ -40,18 +40,12 @@ std::string named(std::span<const NumberName> names, uint32_t number) {
   return fmt::format("{}", number);
 }
 
-const IndicationRow* findIndication(uint16_t id) {
-  for (const IndicationRow& row : indicationTable())
-    if (row.id == id) return &row;
-  return nullptr;
-}
-
 /// An indication's fields, and what they leave.
 std::vector<FieldSpec> bodyFields(const Crossing& crossing) {
   Fields fields;
   if (crossing.indication) {
-    if (const IndicationRow* row = findIndication(crossing.id)) fields = row->fields;
-  } else if (const LinkRow* row = findLink(crossing.service, crossing.id)) {
+    if (const auto* row = handset::findIndication(crossing.id)) fields = row->fields;
+  } else if (const auto* row = handset::findMessage(crossing.service, crossing.id)) {
     fields = row->request;
   }
   std::vector<FieldSpec> all(fields.begin(), fields.end());
@@ -60,7 +54,7 @@ std::vector<FieldSpec> bodyFields(const Crossing& crossing) {
 }
 
 Fields responseFields(const Crossing& crossing) {
-  const LinkRow* row = findLink(crossing.service, crossing.id);
+  const auto* row = handset::findMessage(crossing.service, crossing.id);
   return row != nullptr ? row->response : Fields(kPlainPayload);
 }
 
@@ -115,8 +109,8 @@ std::string withColon(const std::string& what, const std::string& fields) {
 }  // namespace
 
 std::string crossingName(const Crossing& crossing) {
-  if (!crossing.indication) return messageName(crossing.service, crossing.id);
-  const IndicationRow* row = findIndication(crossing.id);
+  if (!crossing.indication) return handset::messageName(crossing.service, crossing.id);
+  const auto* row = handset::findIndication(crossing.id);
   return row != nullptr ? std::string(row->name) : fmt::format("0x{:04X}", crossing.id);
 }
 

@@ -1,12 +1,15 @@
 #include "tools/bench/modem_control.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 
-#include "handset/message_table.h"
+#include "carrier/modem_messages.h"
 #include "handset/modem_logs.h"
+#include "nv/rde_messages.h"
 #include "tools/bench/interruption.h"
 #include "tools/records/encode.h"
 #include "tools/text/usage_error.h"
@@ -22,87 +25,96 @@ constexpr int64_t kInt32Max = std::numeric_limits<int32_t>::max();
 constexpr int64_t kUint32Max = std::numeric_limits<uint32_t>::max();
 constexpr int64_t kDelayMax = 60'000;  // milliseconds
 
-void need(Words arguments, size_t least, size_t most, std::string_view usage) {
-  if (arguments.size() < least || arguments.size() > most)
-    throw UsageError(fmt::format("that takes: {}", usage));
+/// Of an argument "MESSAGE".
+const handset::MessageRow& messageOf(Words arguments) {
+  return messageByName(arguments.front());
+}
+
+uint32_t parseWord(std::string_view what, std::string_view text) {
+  return static_cast<uint32_t>(parseNumber(what, text, 0, kUint32Max));
 }
 
 ModemOrder setRde(Words arguments) {
-  need(arguments, 2, 2, "set rde INDEX BYTES");
-  const auto index = static_cast<uint32_t>(parseNumber("INDEX", arguments[0], 0, kUint32Max));
-  return [index, bytes = parseBytes("BYTES", arguments[1])](Modem& modem) { modem.rde().set(index, bytes); };
+  const uint32_t index = parseWord("INDEX", arguments[0]);
+  const Bytes bytes = parseBytes("BYTES", arguments[1]);
+  const uint32_t record = arguments.size() > 2 ? parseWord("RECORD", arguments[2]) : 0;
+  if (bytes.size() > kesext::kRdeDataMax)
+    throw UsageError(
+        fmt::format("an element holds up to {} bytes, not {}", kesext::kRdeDataMax, bytes.size()));
+  return [index, bytes, record](Modem& modem) { modem.setElement(index, bytes, record); };
 }
 
 ModemOrder setBand(Words arguments) {
-  need(arguments, 2, 2, "set band 10|14 STATUS");
   const int64_t band = parseNumber("the band class", arguments[0], 10, 14);
   if (band != 10 && band != 14) throw UsageError("the band class is 10 or 14");
-  const auto status = static_cast<uint32_t>(parseNumber("STATUS", arguments[1], 0, kUint32Max));
-  return [band, status](Modem& modem) {
-    modem.state().setBand(band == 10 ? handset::kBandClass10 : handset::kBandClass14, status);
+  const uint32_t status = parseWord("STATUS", arguments[1]);
+  return [index = band == 10 ? handset::kBandClass10 : handset::kBandClass14, status](Modem& modem) {
+    modem.change([&](handset::ModemState& state) { state.bands[index] = status; });
   };
 }
 
 ModemOrder setBsrTimer(Words arguments) {
-  need(arguments, 1, 1, "set bsr-timer SECONDS");
-  const auto seconds = static_cast<uint32_t>(parseNumber("SECONDS", arguments[0], 0, kUint32Max));
-  return [seconds](Modem& modem) { modem.state().setBsrTimer(seconds); };
+  return [seconds = parseWord("SECONDS", arguments[0])](Modem& modem) {
+    modem.change([&](handset::ModemState& state) { state.bsr_timer = seconds; });
+  };
+}
+
+ModemOrder setTotOrder(Words arguments) {
+  const Bytes order = encodeField({"ENTRIES", kRest, FieldKind::words}, arguments[0]);
+  if (order.size() > sizeof(kesext::TotOrderUpdateRequest::entries))
+    throw UsageError(fmt::format("a TOT order has up to {} entries", kesext::kTotOrderEntriesMax));
+  return
+      [order](Modem& modem) { modem.change([&](handset::ModemState& state) { state.tot_order = order; }); };
 }
 
 ModemOrder setAnswer(Words arguments) {
-  need(arguments, 2, 2, "answer MESSAGE BYTES");
-  const handset::MessageRow& row = messageByName(arguments[0]);
+  const handset::MessageRow& row = messageOf(arguments);
   Bytes body = parseBytes("BYTES", arguments[1]);
   if (body.size() > row.response_size)
-    throw UsageError(
-        fmt::format("{} answers {} bytes, not {}", arguments[0], row.response_size, body.size()));
+    throw UsageError(fmt::format("{} answers {} bytes, not {}", row.name, row.response_size, body.size()));
   body.resize(row.response_size);
   return [&row, body](Modem& modem) { modem.answer(row.service, row.id, body); };
 }
 
 ModemOrder fail(Words arguments) {
-  need(arguments, 2, 2, "fail MESSAGE CODE");
-  const handset::MessageRow& row = messageByName(arguments[0]);
+  const handset::MessageRow& row = messageOf(arguments);
   const auto code = static_cast<int32_t>(parseNumber("CODE", arguments[1], 1, kInt32Max));
   return [&row, code](Modem& modem) { modem.fail(row.service, row.id, code); };
 }
 
 ModemOrder refuse(Words arguments) {
-  need(arguments, 2, 2, "refuse MESSAGE ERROR");
-  const handset::MessageRow& row = messageByName(arguments[0]);
-  const auto error = static_cast<uint32_t>(parseNumber("ERROR", arguments[1], 0, kUint32Max));
-  const std::optional<Bytes> response = refusal(row, error);
+  const handset::MessageRow& row = messageOf(arguments);
+  const std::optional<Bytes> response = refusal(row, parseWord("ERROR", arguments[1]));
   if (!response)
     throw UsageError(
         fmt::format("the response to {0} has no result to refuse with; 'fail {0} CODE' lets the link "
                     "refuse it, 'answer {0} BYTES' says what it holds",
-                    arguments[0]));
+                    row.name));
   return [&row, body = *response](Modem& modem) { modem.answer(row.service, row.id, body); };
 }
 
 ModemOrder delay(Words arguments) {
-  need(arguments, 2, 2, "delay MESSAGE MS");
-  const handset::MessageRow& row = messageByName(arguments[0]);
+  const handset::MessageRow& row = messageOf(arguments);
   const handset::Millis time(parseNumber("MS", arguments[1], 0, kDelayMax));
   return [&row, time](Modem& modem) { modem.delay(row.service, row.id, time); };
 }
 
 ModemOrder silence(Words arguments) {
-  need(arguments, 1, 1, "silent MESSAGE");
-  const handset::MessageRow& row = messageByName(arguments[0]);
+  const handset::MessageRow& row = messageOf(arguments);
   return [&row](Modem& modem) { modem.silence(row.service, row.id); };
 }
 
 ModemOrder restore(Words arguments) {
-  need(arguments, 1, 1, "restore MESSAGE");
-  const handset::MessageRow& row = messageByName(arguments[0]);
+  const handset::MessageRow& row = messageOf(arguments);
   return [&row](Modem& modem) { modem.restore(row.service, row.id); };
 }
 
+constexpr handset::Service kServices[] = {handset::Service::vendor, handset::Service::nas,
+                                          handset::Service::dms};
+
 ModemOrder publish(Words arguments) {
-  need(arguments, 2, 2, "publish vendor|nas|dms INSTANCES");
   constexpr int64_t kInstancesMax = 16;
-  for (const auto service : {handset::Service::vendor, handset::Service::nas, handset::Service::dms}) {
+  for (const handset::Service service : kServices) {
     if (handset::serviceName(service) != arguments[0]) continue;
     const auto instances = static_cast<int32_t>(parseNumber("INSTANCES", arguments[1], 0, kInstancesMax));
     return [service, instances](Modem& modem) { modem.publish(service, instances); };
@@ -110,13 +122,15 @@ ModemOrder publish(Words arguments) {
   throw UsageError(fmt::format("there is no service '{}'; there are vendor, nas and dms", arguments[0]));
 }
 
-ModemOrder stop(Words arguments) {
-  need(arguments, 0, 0, "stop");
+ModemOrder reset(Words) {
+  return [](Modem& modem) { modem.reset(); };
+}
+
+ModemOrder stop(Words) {
   return [](Modem& modem) { modem.stop(); };
 }
 
-ModemOrder start(Words arguments) {
-  need(arguments, 0, 0, "start");
+ModemOrder start(Words) {
   return [](Modem& modem) {
     const auto held = holdOffInterruption();
     modem.start();
@@ -124,20 +138,33 @@ ModemOrder start(Words arguments) {
 }
 
 constexpr ModemCommandRow kCommands[] = {
-    {"set rde", "INDEX BYTES", "what an element holds", setRde},
+    {"set rde", "INDEX BYTES [RECORD]", "what an element holds", setRde},
     {"set band", "10|14 STATUS", "the status of a band class", setBand},
     {"set bsr-timer", "SECONDS", "the BSR timer", setBsrTimer},
+    {"set tot-order", "ENTRIES", "the TOT order, numbers with commas", setTotOrder},
     {"answer", "MESSAGE BYTES", "the response to a message; zeros behind what is given", setAnswer},
     {"fail", "MESSAGE CODE", "lets the link refuse a message: no response, only this code", fail},
     {"refuse", "MESSAGE ERROR", "responds that a message was not done, and why where there is room", refuse},
     {"delay", "MESSAGE MS", "answers a message later", delay},
     {"silent", "MESSAGE", "does not answer a message", silence},
     {"restore", "MESSAGE", "answers a message as at first", restore},
-    {"indicate", "INDICATION [ARGUMENT ...]", "sends an indication", indication},
     {"publish", "vendor|nas|dms INSTANCES", "how many instances a service has; 0 is none", publish},
+    {"reset", "", "forgets all of the above, and what was written", reset},
+    {"indicate", "INDICATION [ARGUMENT ...]", "sends an indication", indication},
     {"stop", "", "goes away, with all connections", stop},
     {"start", "", "comes back", start},
 };
+
+/// Throws UsageError unless there are as many arguments as the row takes.
+void checkCount(const ModemCommandRow& row, Words arguments) {
+  const std::vector<std::string> takes = splitWords(row.arguments);
+  const auto least = std::count_if(takes.begin(), takes.end(), [](const std::string& word) {
+    return !word.starts_with('[') && !word.ends_with(']');
+  });
+  const bool any_number = row.arguments.ends_with("...]");
+  if (arguments.size() < static_cast<size_t>(least) || (!any_number && arguments.size() > takes.size()))
+    throw UsageError(fmt::format("that takes: {} {}", row.name, row.arguments));
+}
 
 template <typename Rows>
 std::vector<std::string_view> namesOf(const Rows& rows) {
@@ -158,7 +185,7 @@ void sendIndication(Modem& modem, uint16_t id, handset::ByteView body) {
 }
 
 ModemOrder package(const PackageRow& row, Words arguments) {
-  need(arguments, 2, 2, fmt::format("{} PACKAGE BYTES", row.name));
+  if (arguments.size() != 2) throw UsageError(fmt::format("that takes: {} PACKAGE BYTES", row.name));
   constexpr int64_t kPackageIdMax = 255;
   constexpr size_t kContentMax = 255 * handset::kLogPacketPayloadMax - 4;
   const auto id = static_cast<uint8_t>(parseNumber("PACKAGE", arguments[0], 0, kPackageIdMax));
@@ -172,7 +199,7 @@ ModemOrder package(const PackageRow& row, Words arguments) {
 }
 
 std::vector<std::string_view> indicationNames() {
-  std::vector<std::string_view> names = namesOf(indicationTable());
+  std::vector<std::string_view> names = namesOf(handset::indicationTable());
   for (const std::string_view name : namesOf(kPackages))
     names.push_back(name);
   return names;
@@ -193,11 +220,15 @@ void commandModem(Modem& modem, Words words) {
 }
 
 ModemOrder modemOrder(Words words) {
+  if (words.empty() || words.front().starts_with('#')) return [](Modem&) {};
   std::string name;
   for (size_t taken = 1; taken <= std::min<size_t>(2, words.size()); ++taken) {
     name += (taken > 1 ? " " : "") + words[taken - 1];
-    for (const ModemCommandRow& row : kCommands)
-      if (row.name == name) return row.read(words.subspan(taken));
+    for (const ModemCommandRow& row : kCommands) {
+      if (row.name != name) continue;
+      checkCount(row, words.subspan(taken));
+      return row.read(words.subspan(taken));
+    }
   }
   const std::vector<std::string_view> names = namesOf(kCommands);
   throw UsageError(fmt::format("the modem cannot be told '{}'{}; it can be told {}", name,
@@ -211,7 +242,7 @@ ModemOrder indication(Words words) {
   const std::string& name = words.front();
   for (const PackageRow& row : kPackages)
     if (row.name == name) return package(row, words.subspan(1));
-  for (const IndicationRow& row : indicationTable()) {
+  for (const handset::IndicationRow& row : handset::indicationTable()) {
     if (row.name != name) continue;
     Bytes body = encodeFields(row.name, row.fields, words.subspan(1));
     body.resize(row.size);
@@ -230,17 +261,12 @@ ModemOrder indication(Words words) {
 
 const handset::MessageRow& messageByName(std::string_view name) {
   for (const handset::MessageRow& row : handset::messageTable())
-    if (messageName(row.service, row.id) == name) return row;
-  const std::vector<std::string> names = messageNames();
-  const std::vector<std::string_view> views(names.begin(), names.end());
-  throw UsageError(fmt::format("the modem has no message '{}'{}", name, didYouMean(name, views)));
+    if (row.name == name) return row;
+  throw UsageError(fmt::format("the modem has no message '{}'{}", name, didYouMean(name, messageNames())));
 }
 
-std::vector<std::string> messageNames() {
-  std::vector<std::string> names;
-  for (const handset::MessageRow& row : handset::messageTable())
-    names.push_back(messageName(row.service, row.id));
-  return names;
+std::vector<std::string_view> messageNames() {
+  return namesOf(handset::messageTable());
 }
 
 }  // namespace tools

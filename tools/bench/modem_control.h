@@ -10,7 +10,6 @@
 
 #include "handset/message_table.h"
 #include "handset/modem.h"
-#include "tools/records/link_table.h"
 #include "tools/text/words.h"
 
 namespace tools {
@@ -35,7 +34,8 @@ struct ModemCommandRow {
 };
 std::span<const ModemCommandRow> modemCommandTable();
 
-/// What the words say: a row's name and its arguments. Throws UsageError.
+/// What the words say: a row's name and its arguments; nothing to do for none and for a comment, which begins
+/// with '#'. Throws UsageError.
 ModemOrder modemOrder(Words words);
 
 /// The same, done at once.
@@ -47,7 +47,7 @@ void commandModem(handset::Modem& modem, Words words);
 ModemOrder indication(Words words);
 
 /// The messages of the modem as words have them: "rde-read".
-std::vector<std::string> messageNames();
+std::vector<std::string_view> messageNames();
 
 /// The message of this name. Throws UsageError, with the nearest names, when there is none.
 const handset::MessageRow& messageByName(std::string_view name);

@@ -8,7 +8,6 @@
 #include "tools/records/difference.h"
 #include "tools/records/encode.h"
 #include "tools/records/field_value.h"
-#include "tools/records/link_table.h"
 #include "tools/text/usage_error.h"
 #include "tools/text/words.h"
 
@@ -21,7 +20,7 @@ using handset::ByteView;
 
 /// The fields of a request, none of which has to be given.
 std::vector<FieldSpec> questionFields(handset::Service service, uint16_t id) {
-  const LinkRow* row = findLink(service, id);
+  const handset::MessageRow* row = handset::findMessage(service, id);
   if (row == nullptr) return {};
   std::vector<FieldSpec> fields(row->request.begin(), row->request.end());
   for (FieldSpec& field : fields)
@@ -97,13 +96,14 @@ std::vector<std::string> compareQuestion(const Question& expected, const handset
         field.kind == FieldKind::bytes
             ? " " + difference(was, wanted)
             : fmt::format(": expected {}, not {}", valueOf(field.kind, wanted), valueOf(field.kind, was));
-    wrong.push_back(fmt::format("{} {}{}", messageName(asked.service, asked.id), field.name, differs));
+    wrong.push_back(
+        fmt::format("{} {}{}", handset::messageName(asked.service, asked.id), field.name, differs));
   }
   return wrong;
 }
 
 std::string writeQuestion(const handset::Received& asked) {
-  const std::string name = messageName(asked.service, asked.id);
+  const std::string name = handset::messageName(asked.service, asked.id);
   if (asked.body.empty()) return name;
   const handset::MessageRow* row = handset::findMessage(asked.service, asked.id);
   if (row == nullptr || row->request_size != asked.body.size())

@@ -1,5 +1,5 @@
 // What the modem is asked, in words: MESSAGE alone, whatever it holds; MESSAGE BYTES; or MESSAGE FIELD=VALUE
-// ... by the fields of tools/records/link_table.h. What is not given is zero, and lengths follow the data.
+// ... by the fields of handset/message_table.h. What is not given is zero, and lengths follow the data.
 #pragma once
 
 #include <optional>

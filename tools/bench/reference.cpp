@@ -42,7 +42,7 @@ std::string modemReference() {
 
 std::string modemNamesReference() {
   std::string text = "An INDICATION is one of\n";
-  for (const IndicationRow& row : indicationTable()) {
+  for (const handset::IndicationRow& row : handset::indicationTable()) {
     text += fmt::format("  {:<14} {}\n", row.name, row.help);
     if (!row.fields.empty()) text += fmt::format("  {:<14} {}\n", "", argumentHelp(row.fields));
   }
@@ -50,7 +50,7 @@ std::string modemNamesReference() {
     text += fmt::format("  {:<14} {}\n  {:<14} PACKAGE BYTES\n", row.name, row.help, "");
   text += "  0x0110         any other, by its id, and bytes\n";
   text += "A MESSAGE is one of\n";
-  for (const std::string& name : messageNames())
+  for (const std::string_view name : messageNames())
     text += fmt::format("  {}\n", name);
   return text;
 }

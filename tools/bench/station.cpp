@@ -11,7 +11,8 @@
 #include <system_error>
 #include <utility>
 
-#include "tools/records/link_table.h"
+#include "handset/message_table.h"
+#include "tools/bench/modem_memory.h"
 #include "tools/text/usage_error.h"
 
 namespace tools {
@@ -67,6 +68,7 @@ Station::Station(StationOptions options)
         return folder_->root();
       }()) {
   const auto held = holdOffInterruption();
+  if (!options_.root.empty()) keepModem(*folder_, modem_);
   try {
     modem_.start();
   } catch (const std::system_error& error) {
@@ -153,7 +155,7 @@ std::string Station::stillWaiting() {
   const auto patience = handset::kProcessPatience.count() / 1000;
   if (!message) return text + fmt::format("the process gives the modem {} s for each message", patience);
   return text + fmt::format("the modem has not answered {}; the process gives it {} s",
-                            messageName(message->first, message->second), patience);
+                            handset::messageName(message->first, message->second), patience);
 }
 
 Bytes Station::nextUnsolicited() {

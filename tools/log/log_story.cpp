@@ -8,6 +8,7 @@
 
 #include "core/ground/hook_ids.h"
 #include "handset/bytes.h"
+#include "handset/message_table.h"
 #include "qmi/send.h"
 #include "tools/bench/modem_control.h"
 #include "tools/records/record_table.h"
@@ -33,9 +34,8 @@ uint32_t hexIn(std::string_view digits) {
 }
 
 std::string indicationName(uint32_t id) {
-  for (const IndicationRow& row : indicationTable())
-    if (row.id == id) return std::string(row.name);
-  return fmt::format("0x{:04X}", id);
+  const auto* row = handset::findIndication(static_cast<uint16_t>(id));
+  return row != nullptr ? std::string(row->name) : fmt::format("0x{:04X}", id);
 }
 
 /// What a dump says that a line announced: the fields of an answer's payload, or its bytes.

@@ -8,40 +8,16 @@
 #include <string_view>
 
 #include "core/ground/hook_message.h"
+#include "handset/fields.h"
 
 namespace tools {
 
-enum class FieldKind {
-  number,  // unsigned, little-endian
-  signedNumber,
-  hexNumber,
-  element,  // an RDE element's index
-  status,   // a result code
-  bytes,
-  text,           // up to the first zero byte
-  utf8,           // text as it stands
-  code,           // a service programming code, or zeros for none
-  words,          // unsigned 4-byte numbers
-  zeroEndedText,  // text with a terminator of its own
-  zeros,          // always zero; anything else is pointed out
-};
-
-/// What stands in a request for a field that is not given.
-enum class WhenAbsent { refused, zeros, lengthOfRest, leftOut };
-
-/// The one field of a payload that takes what the others leave.
-inline constexpr size_t kRest = SIZE_MAX;
-/// Of the numbers of FieldKind::words, in bytes.
-inline constexpr size_t kWordSize = 4;
-
-struct FieldSpec {
-  std::string_view name;
-  size_t size;  // bytes, or kRest
-  FieldKind kind;
-  WhenAbsent when_absent = WhenAbsent::refused;
-};
-
-using Fields = std::span<const FieldSpec>;
+using handset::FieldKind;
+using handset::Fields;
+using handset::FieldSpec;
+using handset::kRest;
+using handset::kWordSize;
+using handset::WhenAbsent;
 
 /// A payload of which nothing is known.
 inline constexpr FieldSpec kPlainPayload[] = {{"payload", kRest, FieldKind::bytes}};

@@ -19,7 +19,7 @@ Play::Play(Station& at)
     : station(at),
       log_mark(at.started() ? at.process().logMark() : 0),
       dropbox_mark(at.folder().dropboxEntries().size()) {
-  at.modem().clearRequests();
+  at.modem().takeRequests();
 }
 
 std::string scenarioFormat() {

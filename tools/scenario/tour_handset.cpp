@@ -35,7 +35,7 @@ void tourRfSave(TourStage& stage) {
     region[i] = static_cast<uint8_t>(i * 31);
   stage.folder().writeFileAt(kDevice, kRegionOffset, region);
   stage.folder().writeFile(kPartition, "");
-  const size_t before = stage.modem().requestCount();
+  const size_t before = stage.modem().requests().size();
   stage.tell("indicate rf-save");
   const bool answered = stage.modem().waitForRequests(before + 1);
   const Bytes answer = answered ? stage.modem().requests().at(before).body : Bytes{};
@@ -53,7 +53,7 @@ void tourEnd(TourStage& stage) {
 void tourCrash(TourStage& stage) {
   stage.section("Another start, after a kernel crash");
   stage.folder().writeFile("/proc/bootinfo", "POWERUPREASON : 0x00020000\n");
-  stage.modem().clearRequests();
+  stage.modem().takeRequests();
   stage.station().start();
   const MessageRow& utility = messageByName("utility");
   const Bytes notice = concat(le32(4), le32(256), Bytes(256));

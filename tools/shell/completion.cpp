@@ -45,7 +45,7 @@ void offerRequest(const RequestRow& row, Words given, Candidates& into) {
 void offerIndication(Words given, Candidates& into) {
   for (const PackageRow& row : packageTable())
     offerPhrase(row.name, given, into);
-  for (const IndicationRow& row : indicationTable()) {
+  for (const handset::IndicationRow& row : handset::indicationTable()) {
     offerPhrase(row.name, given, into);
     if (wordsMatched(row.name, given) > 0) offerArguments(row.fields, given.subspan(1), into);
   }
@@ -65,10 +65,9 @@ void offerForModem(const ModemCommandRow& row, Words given, Candidates& into) {
   if (!takes.empty() && takes.front() == "INDICATION") return offerIndication(given, into);
   if (given.size() >= takes.size()) return;
   const std::string& next = takes[given.size()];
-  if (next == "MESSAGE") {
-    const std::vector<std::string> names = messageNames();
-    into.insert(names.begin(), names.end());
-  }
+  if (next == "MESSAGE")
+    for (const std::string_view name : messageNames())
+      into.emplace(name);
   if (next.find('|') != std::string::npos) offerAlternatives(next, into);
 }
 
