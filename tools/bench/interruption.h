@@ -1,32 +1,39 @@
-// Ctrl-C and its kin: whatever the tool is at, nothing it started is left running and no folder of its own is
-// left behind.
+// The end of the tool, whatever brings it: nothing it started is left running, no folder of its own is left
+// behind, and the terminal is as it was. A small process beside it sees to that, so that even SIGKILL does
+// not keep it from being done.
 #pragma once
 
-#include <functional>
-#include <list>
+#include <sys/types.h>
+
 #include <mutex>
+#include <string>
 
 namespace tools {
 
-/// From here on, in this thread and those it starts, SIGINT, SIGTERM, SIGHUP and SIGQUIT do what all Cleanups
-/// say and end the tool with status 128 and the signal's number. To be called once, before any other thread
-/// is there.
+/// Starts that process. From here on, in this thread and those it starts, SIGINT, SIGTERM, SIGHUP and SIGQUIT
+/// end the tool with status 128 and the signal's number, once all is done. To be called once, before any
+/// other thread is there.
 void watchForInterruption();
 
-/// What has to be done when the tool is interrupted while this object lives. The latest is done first.
-class Cleanup {
- public:
-  explicit Cleanup(std::function<void()> action);
-  Cleanup(const Cleanup&) = delete;
-  Cleanup& operator=(const Cleanup&) = delete;
-  ~Cleanup();
+/// A process that is to be killed in the end, in place of the one before. Not for one that has been waited
+/// for.
+void killInTheEnd(pid_t process);
+/// A file, or a folder with all that is in it, that is to be removed in the end, in place of the one before;
+/// empty for none any more.
+void removeInTheEnd(const std::string& path);
 
- private:
-  std::list<std::function<void()>>::iterator place_;
+/// Standard input is a terminal: its modes are put back to what they are now if the tool ends while this
+/// object lives.
+class TerminalModes {
+ public:
+  TerminalModes();
+  TerminalModes(const TerminalModes&) = delete;
+  TerminalModes& operator=(const TerminalModes&) = delete;
+  ~TerminalModes();
 };
 
 /// Interruptions wait while this is held: for what must not come apart, such as starting a process and saying
-/// how it is to be ended.
+/// that it is to be killed.
 std::unique_lock<std::recursive_mutex> holdOffInterruption();
 
 }  // namespace tools

@@ -1,17 +1,22 @@
 #include "tools/bench/station.h"
 
 #include <fmt/format.h>
-#include <sys/wait.h>
+#include <sys/fsuid.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <csignal>
+#include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
 #include "handset/message_table.h"
+#include "platform/host/frame.h"
+#include "tools/bench/console.h"
+#include "tools/bench/interruption.h"
 #include "tools/bench/modem_memory.h"
 #include "tools/text/usage_error.h"
 
@@ -26,24 +31,51 @@ using handset::Instant;
 constexpr size_t kLastLines = 8;
 /// A process that closes its pipes is given this long to end.
 constexpr handset::Millis kGrace{500};
-/// Longer than the process waits for a silent modem, and for the next of its messages.
-constexpr handset::Millis kAnswerTimeout{60'000};
+/// Longer than anything that the process may take: it gives the vendor service 500 s to come up, the two
+/// others 25 s each, and the modem 15 s for each message, at the start as for a request.
+constexpr handset::Millis kPatience{900'000};
 /// An indication that the process knows nothing of, and only logs.
 constexpr uint16_t kUnknownIndication = 0xFFFF;
 
-/// Whatever else still writes there meanwhile.
-void removeWhole(const std::string& folder) {
-  constexpr int kTries = 100;
-  std::error_code error;
-  for (int i = 0; i < kTries; ++i) {
-    std::filesystem::remove_all(folder, error);
-    if (!std::filesystem::exists(folder, error)) return;
+/// The last log line of a process that is not served by a service, and what that means.
+struct ServiceWait {
+  std::string_view line;
+  std::string_view meaning;
+};
+constexpr ServiceWait kServiceWaits[] = {
+    {": sprint_client_init: wait for server to come up.",
+     "the modem does not publish nas or dms; the process gives each 25 s"},
+    {": qmi_kesext_hook_client_init: wait for server to come up.",
+     "the modem does not publish vendor; the process gives it 500 s"}};
+
+/// Throws UsageError when the process, which becomes another user where it can, could not enter a folder on
+/// the way.
+void needReach(const std::filesystem::path& folder, std::string_view instead) {
+  constexpr uid_t kRadioUser = 1001;
+  if (geteuid() != 0) return;
+  // The kernel judges for this thread as it will for the process.
+  setfsuid(kRadioUser);
+  std::filesystem::path refused;
+  std::filesystem::path way;
+  for (const std::filesystem::path& part : std::filesystem::absolute(folder)) {
+    way /= part;
+    struct stat ignored {};
+    if (refused.empty() && stat((way / ".").c_str(), &ignored) != 0 && errno == EACCES) refused = way;
   }
+  setfsuid(0);
+  if (!refused.empty())
+    throw UsageError(fmt::format("the process runs as user {}, who may not enter {}: chmod o+x {}, or {}",
+                                 kRadioUser, refused.string(), refused.string(), instead));
 }
 
-void openFolder(std::optional<handset::Folder>& folder, const std::string& root) {
+handset::Folder openFolder(const std::string& root) {
+  if (root.empty()) {
+    needReach(std::filesystem::temp_directory_path(), "set TMPDIR to another folder");
+    return {};
+  }
+  needReach(root, "take another --root");
   try {
-    folder.emplace(root);
+    return handset::Folder(root);
   } catch (const std::filesystem::filesystem_error& error) {
     throw UsageError(fmt::format("{} cannot be a handset folder: {}", root, error.code().message()));
   }
@@ -56,19 +88,13 @@ std::string describeEnd(int status) {
   return fmt::format("the process was ended by signal {} ({})", -status, strsignal(-status));
 }
 
-Station::Station(StationOptions options)
-    : options_(std::move(options)), modem_([this] {
-        const auto held = holdOffInterruption();
-        if (options_.root.empty()) {
-          folder_.emplace();
-          remove_folder_.emplace([root = folder_->root()] { removeWhole(root); });
-        } else {
-          openFolder(folder_, options_.root);
-        }
-        return folder_->root();
-      }()) {
-  const auto held = holdOffInterruption();
-  if (!options_.root.empty()) keepModem(*folder_, modem_);
+Station::Station(const StationOptions& options) : Station(options, holdOffInterruption()) {}
+
+Station::Station(const StationOptions& options, const std::unique_lock<std::recursive_mutex>& /*held*/)
+    : options_(options), folder_(openFolder(options.root)), modem_(folder_.root()) {
+  const bool temporary = options_.root.empty();
+  if (temporary) removeInTheEnd(folder_.root());
+  if (!temporary) keepModem(folder_, modem_);
   try {
     modem_.start();
   } catch (const std::system_error& error) {
@@ -81,17 +107,15 @@ Station::Station(StationOptions options)
           options_.root));
     return;
   }
-  remove_socket_.emplace([socket = folder_->path("/modem.sock")] { unlink(socket.c_str()); });
+  if (!temporary) removeInTheEnd(folder_.path(host::kModemSocketPath));
 }
 
 Station::~Station() {
   process_.reset();
-  kill_process_.reset();
   const auto held = holdOffInterruption();
+  // Once this modem has gone, the socket may be another's.
+  if (!options_.root.empty()) removeInTheEnd("");
   modem_.stop();
-  remove_socket_.reset();
-  folder_.reset();
-  remove_folder_.reset();
 }
 
 handset::Parent& Station::process() {
@@ -102,21 +126,23 @@ handset::Parent& Station::process() {
 void Station::start() {
   {
     const auto held = holdOffInterruption();
-    kill_process_.reset();
     try {
       process_.emplace(handset::ParentOptions{.executable = options_.executable,
-                                              .handset_root = folder_->root(),
+                                              .handset_root = folder_.root(),
                                               .instance_id = options_.instance_id});
     } catch (const std::system_error& error) {
       throw ProcessTrouble(fmt::format("the process cannot be started: {}", error.what()));
     }
-    kill_process_.emplace([pid = process_->pid()] {
-      kill(pid, SIGKILL);
-      waitpid(pid, nullptr, 0);
-    });
+    killInTheEnd(process_->pid());
   }
-  if (!process_->waitForLog("Child process waiting for data"))
-    throw trouble("the process did not come to serve requests");
+  constexpr std::string_view kServing = "Child process waiting for data";
+  const Instant began = std::chrono::steady_clock::now();
+  bool serves = process_->waitForLog(kServing, kUsualWait);
+  if (!serves && std::chrono::steady_clock::now() - began >= kUsualWait) {
+    complain("hookctl: " + stillWaiting());
+    serves = process_->waitForLog(kServing, kPatience);
+  }
+  if (!serves) throw trouble("the process did not come to serve requests");
 }
 
 std::optional<int> Station::end() {
@@ -126,10 +152,8 @@ std::optional<int> Station::end() {
 
 std::optional<int> Station::waitForEnd(handset::Millis timeout) {
   const std::optional<int> status = process_->wait(timeout);
-  // A process that has ended is not to be killed any more: its number may be another's. One that an
-  // interruption has just killed is no trouble: that does not let go before the tool ends.
+  // One that an interruption has just killed is no trouble: that does not let go before the tool ends.
   const auto held = holdOffInterruption();
-  if (status) kill_process_.reset();
   return status;
 }
 
@@ -138,7 +162,7 @@ Answer Station::ask(ByteView request, const std::function<void()>& still_waiting
   std::optional<Bytes> answer = process_->ask(request, kUsualWait);
   if (!answer && std::chrono::steady_clock::now() - asked >= kUsualWait) {
     still_waiting();
-    answer = process_->nextResponse(kAnswerTimeout);
+    answer = process_->nextResponse(kPatience);
   }
   if (!answer) throw trouble("no answer came");
   return {std::move(*answer), asked, std::chrono::steady_clock::now()};
@@ -146,13 +170,17 @@ Answer Station::ask(ByteView request, const std::function<void()>& still_waiting
 
 void Station::needOwnModem(std::string_view instead) const {
   if (modem_is_shared_)
-    throw UsageError(fmt::format("the modem in {} is another tool's: {}", folder_->root(), instead));
+    throw UsageError(fmt::format("the modem in {} is another tool's: {}", folder_.root(), instead));
 }
 
 std::string Station::stillWaiting() {
   const std::string text = fmt::format("still waiting, after {} s: ", kUsualWait.count() / 1000);
   const auto message = modem_is_shared_ ? std::nullopt : modem_.waitedFor();
   const auto patience = handset::kProcessPatience.count() / 1000;
+  const std::vector<std::string> lines = process_->logs();
+  for (const ServiceWait& wait : kServiceWaits)
+    if (!message && !lines.empty() && lines.back().ends_with(wait.line))
+      return text + std::string(wait.meaning);
   if (!message) return text + fmt::format("the process gives the modem {} s for each message", patience);
   return text + fmt::format("the modem has not answered {}; the process gives it {} s",
                             handset::messageName(message->first, message->second), patience);

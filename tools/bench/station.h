@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -12,7 +13,6 @@
 #include "handset/folder.h"
 #include "handset/modem.h"
 #include "handset/parent.h"
-#include "tools/bench/interruption.h"
 
 namespace tools {
 
@@ -43,13 +43,14 @@ inline constexpr handset::Millis kUsualWait{2000};
 class Station {
  public:
   /// Starts the modem, but not the process. Throws UsageError when another one runs in the folder and is not
-  /// to be shared.
-  explicit Station(StationOptions options);
+  /// to be shared, and when the process could not get into the folder.
+  explicit Station(const StationOptions& options);
   Station(const Station&) = delete;
   Station& operator=(const Station&) = delete;
   ~Station();
 
-  /// Starts the process and waits until it serves requests. Throws ProcessTrouble.
+  /// Starts the process and waits until it serves requests, with a word on standard error when that takes
+  /// longer than kUsualWait. Throws ProcessTrouble.
   void start();
   /// Closes the request pipe and gives the process's exit status; nothing when it does not end.
   std::optional<int> end();
@@ -72,22 +73,21 @@ class Station {
   /// Throws ProcessTrouble when none has been started.
   handset::Parent& process();
   handset::Modem& modem() { return modem_; }
-  handset::Folder& folder() { return *folder_; }
+  handset::Folder& folder() { return folder_; }
   /// Whether the modem is another tool's, so that this one's says and does nothing.
   [[nodiscard]] bool modemIsShared() const { return modem_is_shared_; }
   /// Throws UsageError, with what to do instead, when it is.
   void needOwnModem(std::string_view instead) const;
 
  private:
+  Station(const StationOptions& options, const std::unique_lock<std::recursive_mutex>& held);
+
   std::optional<int> waitForEnd(handset::Millis timeout);
 
   StationOptions options_;
-  std::optional<Cleanup> remove_folder_;
-  std::optional<handset::Folder> folder_;
-  std::optional<Cleanup> remove_socket_;
+  handset::Folder folder_;
   handset::Modem modem_;
   bool modem_is_shared_ = false;
-  std::optional<Cleanup> kill_process_;
   std::optional<handset::Parent> process_;
 };
 

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 #include <sys/ioctl.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -25,25 +24,12 @@ size_t terminalColumns() {
   return known ? size.ws_col : kColumnsUnknown;
 }
 
-/// Puts the terminal's modes back to what they are now, below whatever is being typed.
-std::function<void()> restoreTerminal() {
-  termios modes{};
-  tcgetattr(STDIN_FILENO, &modes);
-  return [modes] {
-    // Another job's terminal is left alone: the kernel would stop this one for touching it.
-    if (tcgetpgrp(STDIN_FILENO) != getpgrp()) return;
-    tcsetattr(STDIN_FILENO, TCSANOW, &modes);
-    [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, "\n", 1);
-  };
-}
-
 }  // namespace
 
 LineEditor::LineEditor(std::string prompt, WaitForInput wait, Completer completer)
     : prompt_(std::move(prompt)),
       wait_(std::move(wait)),
       completer_(std::move(completer)),
-      restore_terminal_(restoreTerminal()),
       history_(history_init(), history_end),
       edit_(nullptr, el_end) {
   setlocale(LC_CTYPE, "C.UTF-8");

@@ -40,7 +40,7 @@ class LineEditor : public LineSource {
   WaitForInput wait_;
   Completer completer_;
   std::exception_ptr trouble_;  // libedit's frames are no place to throw through
-  Cleanup restore_terminal_;
+  TerminalModes modes_;
   /// libedit sets the terminal's modes, which must not come behind the cleanup: interruptions get in only
   /// while a key is waited for.
   std::unique_lock<std::recursive_mutex> calm_;
