@@ -139,7 +139,8 @@ TEST_F(Shell, AScriptRunsWithoutAPromptAndItsWrongLinesAreCounted) {
             "set?; help tells what there is\n"
             "line 8: log takes on, off or since\n"
             "line 9: the modem cannot be told 'fial'; did you mean fail?; it can be told set rde, set band, "
-            "set bsr-timer, answer, fail, refuse, delay, silent, restore, indicate, publish, stop, start\n");
+            "set bsr-timer, set tot-order, answer, fail, refuse, delay, silent, restore, publish, reset, "
+            "indicate, stop, start\n");
   EXPECT_THAT(result.out, MatchesRegex("    message .*carrier value .*value        7\n.*"
                                        "    request  CDMA request 0x020000BC: [^\n]*\n"
                                        ".*    E RIL-KESEXT: Read 18 bytes from pipe\n"
