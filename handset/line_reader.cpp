@@ -100,18 +100,28 @@ std::vector<StampedLine> LineReader::stampedLines(size_t from) const {
   return {lines_.begin() + static_cast<ptrdiff_t>(from), lines_.end()};
 }
 
-std::optional<size_t> LineReader::waitFor(std::string_view text, size_t from, Millis timeout) const {
+template <typename Matches>
+std::optional<size_t> LineReader::waitForText(Matches matches, size_t from, Millis timeout) const {
   size_t next = from;
   std::optional<size_t> found;
   const auto foundOrEnded = [&] {
     for (; next < lines_.size() && !found; ++next) {
-      if (textOf(lines_[next].text) == text) found = next;
+      if (matches(textOf(lines_[next].text))) found = next;
     }
     return found || ended_;
   };
   std::unique_lock lock(mutex_);
   changed_.wait_for(lock, timeout, foundOrEnded);
   return found;
+}
+
+std::optional<size_t> LineReader::waitFor(std::string_view text, size_t from, Millis timeout) const {
+  return waitForText([text](std::string_view line) { return line == text; }, from, timeout);
+}
+
+std::optional<size_t> LineReader::waitForPart(std::string_view part, size_t from, Millis timeout) const {
+  return waitForText([part](std::string_view line) { return line.find(part) != std::string_view::npos; },
+                     from, timeout);
 }
 
 void LineReader::catchUp(Millis timeout) const {

@@ -40,6 +40,8 @@ class LineReader {
   /// ": ", the whole line without one. Returns the line's number, or nothing when the time passed or the pipe
   /// ended first.
   std::optional<size_t> waitFor(std::string_view text, size_t from, Millis timeout) const;
+  /// The same for a line of which this is a part.
+  std::optional<size_t> waitForPart(std::string_view part, size_t from, Millis timeout) const;
 
   /// The lines since the last call, and a descriptor that can be read while there are some.
   std::vector<StampedLine> newLines();
@@ -52,6 +54,8 @@ class LineReader {
   bool waitForEnd(Millis timeout) const;
 
  private:
+  template <typename Matches>
+  std::optional<size_t> waitForText(Matches matches, size_t from, Millis timeout) const;
   void run();
   ssize_t read();
   void take(std::string_view chunk);

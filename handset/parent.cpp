@@ -256,4 +256,9 @@ bool Parent::waitForLogSince(size_t mark, std::string_view text, Millis timeout)
   return log_->waitFor(text, mark, timeout).has_value();
 }
 
+std::optional<size_t> Parent::waitForLogPart(size_t mark, std::string_view part, Millis timeout) {
+  const std::optional<size_t> line = log_->waitForPart(part, mark, timeout);
+  return line ? std::optional(*line + 1) : std::nullopt;
+}
+
 }  // namespace handset

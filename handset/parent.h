@@ -77,6 +77,8 @@ class Parent {
   bool waitForLog(std::string_view text, Millis timeout = kTimeout);
   /// The same from a mark on; does not move where the other continues.
   bool waitForLogSince(size_t mark, std::string_view text, Millis timeout = kTimeout);
+  /// The mark behind the first line since a mark of which this is a part; nothing when the time passed first.
+  std::optional<size_t> waitForLogPart(size_t mark, std::string_view part, Millis timeout = kTimeout);
   /// The present end of the log.
   [[nodiscard]] size_t logMark() const { return log_->count(); }
   /// Lines as printed: "E RIL-KESEXT: text".

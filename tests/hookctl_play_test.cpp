@@ -1,10 +1,11 @@
-// Scenarios: those that are shipped, and what is said of one that is wrong or does not go as it says.
+// Scenarios: what is said of one that is wrong or does not go as it says, and how several are played.
 #include <gmock/gmock.h>
 
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "handset/message_table.h"
 #include "support/tool_test.h"
@@ -23,9 +24,9 @@ class Play : public ToolTest {
   ~Play() override { fs::remove_all(own_); }
 
   /// A file of the test's own.
-  [[nodiscard]] std::string write(const std::string& name, const std::string& text) const {
+  std::string write(const std::string& name, const std::string& text) const {
     const fs::path path = own_ / name;
-    fs::create_directories(own_);
+    fs::create_directories(path.parent_path());
     std::ofstream(path) << text;
     fs::permissions(path, fs::perms::owner_all | fs::perms::group_all);
     return path;
@@ -38,22 +39,17 @@ class Play : public ToolTest {
   fs::path own_ = fs::path(temporary_) / "own";
 };
 
-TEST_F(Play, EveryShippedScenarioGoesAsItSays) {
-  size_t count = 0;
-  for (const auto& file : fs::directory_iterator(KESEXT_SCENARIOS)) {
-    const ToolResult result = RunTool({"play", file.path()});
-    EXPECT_EQ(result.status, 0) << file.path() << "\n" << result.out << result.err;
-    ++count;
-  }
-  EXPECT_GE(count, 4U);
-}
-
 TEST_F(Play, ThePlayGoesOnBehindAStepThatIsWrongAndShowsWhatCame) {
   const std::string scenario = steps(R"(
     {"process": "start"},
     {"request": "rde write 10017 0102"},
     {"title": "Read", "request": "rde read 10017",
-     "expect": {"status": "failure", "fields": {"length": 3, "data": "0103"}, "log": "no such text", "asked": []}},
+     "expect": {"status": "failure", "fields": {"length": 3, "data": "0103"}, "asked": [],
+                "log": ["process waiting for", "RDE index (10017"]
+}
+},
+    {"request": "rde write 10017 0102", "expect": {"asked": "rde-write rde_index=10017 data=0103"}},
+    {"request": "nv26 read", "expect": {"asked": {"includes": ["rde-read rde_index=38", "pfp"]}}},
     {"indicate": ["test", "data-plmn"],
      "expect": {"message": [{"name": "data PLMN changed"},
                             {"name": "test notification", "fields": {"text": "other"}}]}},
@@ -67,22 +63,25 @@ TEST_F(Play, ThePlayGoesOnBehindAStepThatIsWrongAndShowsWhatCame) {
   for (const char* said :
        {"  3  WRONG       Read\n", "status: expected 5 (failure), not 0 (success)",
         "length: expected 3, not 2", "data differs at byte 1 of 2: expected 03, not 02",
-        "not logged: no such text", "logged: E RIL-KESEXT: Child process waiting for data",
-        "the modem was asked 1 times", "01 02                    data",
-        "message 1: expected data PLMN changed, not unsolicited 0x00000457", "/a: there is no such file",
-        "none: expected 1, not (not set)", "dropbox: expected [t: x], not []",
-        "  6  ok          modem stop\n", "nobody heard the indication: no process is connected to the modem",
-        "exit: expected 3, but the process has ended with status 0", "3 of 8 steps as expected"})
+        "not logged behind the text before: RDE index (10017",
+        "logged: E RIL-KESEXT: Child process waiting for data",
+        "asked: message 1: expected nothing more, not rde-read rde_index=10017",
+        "asked: message 1: rde-write data differs at byte 1 of 512: expected 03 00 ",
+        "asked: expected pfp\n      was asked: rde-read rde_index=38\n", "01 02                    data",
+        "message 1: expected data PLMN changed, not unsolicited 0x00000457", "/a is not there",
+        "none is not there", "dropbox: expected [t: x], not []", "  8  ok          modem stop\n",
+        "nobody heard the indication: no process is connected to the modem",
+        "exit: expected 3, but the process has ended with status 0", "3 of 10 steps as expected"})
     EXPECT_THAT(result.out, HasSubstr(said));
 
   const auto results = nlohmann::json::parse(RunTool({"play", "--json", "--trace", scenario}).out);
-  ASSERT_EQ(results.size(), 8U);
+  ASSERT_EQ(results.size(), 10U);
   EXPECT_EQ(results[1]["result"], "ok");
   EXPECT_EQ(results[2]["result"], "WRONG");
   EXPECT_EQ(results[2]["wrong"][1], "length: expected 3, not 2");
-  EXPECT_EQ(results[3]["messages"].size(), 2U);
+  EXPECT_EQ(results[5]["messages"].size(), 2U);
   EXPECT_EQ(results[2]["trace"][0]["message"], "rde-read");
-  EXPECT_EQ(results[3]["trace"].size(), 3U);  // with the one that tells that all were heard
+  EXPECT_EQ(results[5]["trace"].size(), 3U);  // with the one that tells that all were heard
 }
 
 TEST_F(Play, AFileThatIsWrongIsSaidWithThePlaceBeforeAnythingStarts) {
@@ -110,8 +109,11 @@ TEST_F(Play, AFileThatIsWrongIsSaidWithThePlaceBeforeAnythingStarts) {
        "did you mean PFP"},
       {R"({"expect": {"status": "success"}})", "expect status: is of an answer"},
       {R"({"expect": {"asked": "pfp 0102030405"}})", "pfp asks 4 bytes, not 5"},
+      {R"({"expect": {"asked": "rde-read rde_idx=1"}})", "did you mean rde_index?"},
+      {R"({"expect": {"asked": {"include": []}}})", "did you mean includes?"},
       {R"({"file": {"path": "/a/../../b", "text": ""}})", "has no .."},
       {R"({"file": {"path": "/a", "text": "", "link": "/b"}})", "needs text or bytes"},
+      {R"({"file": {"path": "/a", "at": 1}})", "needs text or bytes"},
       {R"({"file": {"path": "/a", "size": -1}})", "takes a number from 0 to"},
       {R"({"file": {"path": "/a", "size": 1e999}})", "1e999"},
       {R"({"expect": {}})", "does nothing and expects nothing"},
@@ -127,7 +129,47 @@ TEST_F(Play, AFileThatIsWrongIsSaidWithThePlaceBeforeAnythingStarts) {
   }
   EXPECT_THAT(RunTool({"play", write("a.json", "[]")}).err, HasSubstr("not []"));
   EXPECT_THAT(RunTool({"play", "/nowhere"}).err, HasSubstr("/nowhere cannot be read: No such file"));
-  EXPECT_EQ(RunTool({"play", temporary_}).status, 2);
+  EXPECT_THAT(RunTool({"play", "/proc/self/fd"}).err,
+              HasSubstr("/proc/self/fd has no file that ends in .json"));
+}
+
+TEST_F(Play, FilesAndFoldersArePlayedByNameEachOnAHandsetOfItsOwnUnlessThatIsKept) {
+  write("story/1/make.json",
+        R"({"title": "One", "steps": [{"file": {"path": "/x", "bytes": "A5*3 00", "at": "0x10"}},
+    {"expect": {"file": [{"path": "/x", "size": 20}, {"path": "/x", "at": 17, "bytes": "A5A500"}]}}]})");
+  write("story/1/notes.txt", "no scenario");
+  write("story/2.json",
+        R"({"title": "Two", "steps": [{"expect": {"file": {"path": "/x", "absent": true}}}]})");
+  const std::string folder = temporary_ + "/own/story";
+  EXPECT_EQ(RunTool({"play", folder}).out,
+            "\nOne\n    1  ok          file {\"path\":\"/x\",\"bytes\":\"A5*3 00\","
+            "\"at\":\"0x10\"}\n    2  ok          expect file\n\nTwo\n    1  ok          expect file\n\n"
+            "3 of 3 steps as expected\n");
+  const std::string root = temporary_ + "/own/kept";
+  const ToolResult kept = RunTool({"play", "--root", root, folder + "/1/make.json", folder + "/2.json"});
+  EXPECT_EQ(kept.status, 1);
+  EXPECT_THAT(kept.out, HasSubstr("    /x is there, and should not be\n\n2 of 3 steps as expected\n"
+                                  "    not as expected: " +
+                                  folder + "/2.json\n"));
+  const auto all = nlohmann::json::parse(RunTool({"play", "--json", folder}).out);
+  EXPECT_EQ(all[1]["scenario"], "Two");
+  EXPECT_EQ(all[1]["file"], folder + "/2.json");
+  EXPECT_EQ(all[0]["steps"].size(), 2U);
+}
+
+TEST_F(Play, ThePageAndTheHelpTellEveryKey) {
+  std::ifstream file(fs::path(KESEXT_SCHEMA).replace_filename("hookctl.md"));
+  const std::string page{std::istreambuf_iterator<char>(file), {}};
+  std::istringstream help(RunTool({"play", "--help"}).out);
+  size_t count = 0;
+  for (std::string line; std::getline(help, line);) {
+    const size_t at = line.find_first_not_of(' ');
+    const size_t end = line.find("\":");
+    if (at == std::string::npos || line[at] != '"' || end == std::string::npos) continue;
+    ++count;
+    EXPECT_THAT(page, HasSubstr("| `" + line.substr(at, end + 1 - at) + "` |"));
+  }
+  EXPECT_GE(count, 18U);
 }
 
 TEST_F(Play, WhatIsBehindTheDeathOfTheProcessIsNotPlayed) {

@@ -82,7 +82,9 @@ TEST_F(Send, WhatScriptsGetIsTypedAndHasTheShapeOfTheSchema) {
   EXPECT_EQ(fits("send", {"send", "--json", "plmn", "310", "120"})["answer"]["fields"][3]["value"],
             "Testnet");
   EXPECT_EQ(fits("send", {"send", "--json", "raw", "00050077", "00000000"})["request"]["name"], nullptr);
-  fits("play", {"play", "--json", "--trace", "--times", std::string(KESEXT_SCENARIOS) + "/modem_crash.json"});
+  const std::string crash = KESEXT_SCENARIOS "/modem_crash.json";
+  fits("play", {"play", "--json", "--trace", "--times", crash});
+  fits("playSeveral", {"play", "--json", crash, KESEXT_SCENARIOS "/tour/11_reports.json"});
   const nlohmann::json cut =
       fits("decode", {"decode", "--json", "BD000002", "04000000", "00000000", "000000000000", "1E00"});
   EXPECT_EQ(cut["problem_offset"], 20);

@@ -114,10 +114,6 @@ void Console::trace(const std::vector<std::string>& lines, std::optional<handset
                lines[i], paint(kPlain));
 }
 
-void Console::block(std::string_view lines) const {
-  fmt::print("\n{}\n", lines);
-}
-
 void Console::note(std::string_view text, std::optional<handset::Instant> time) const {
   fmt::print("{}{}\n", margin(time), text);
 }
@@ -129,10 +125,6 @@ void Console::happening(bool good, std::string_view line) const {
 void Console::outcome(size_t number, Outcome outcome, std::string_view title) const {
   const std::string_view colour = outcome == Outcome::good ? kGreen : outcome == Outcome::wrong ? kRed : kDim;
   fmt::print("  {:3}  {}{:<10}{}  {}\n", number, paint(colour), outcomeName(outcome), paint(kPlain), title);
-}
-
-void Console::verdict(bool good, std::string_view text) const {
-  fmt::print("    {}{}{} {}\n", paint(good ? kGreen : kRed), good ? "ok" : "WRONG", paint(kPlain), text);
 }
 
 }  // namespace tools

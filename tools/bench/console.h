@@ -54,13 +54,10 @@ class Console {
   /// What crossed the modem link: its line, and one below for what became of it.
   void trace(const std::vector<std::string>& lines, std::optional<handset::Instant> time = {}) const;
   void note(std::string_view text, std::optional<handset::Instant> time = {}) const;
-  /// Lines of text, each ending in a line feed, as they stand.
-  void block(std::string_view lines) const;
   /// A line of a log's story; one that is not good stands out.
   void happening(bool good, std::string_view line) const;
   /// A line of a list of steps.
   void outcome(size_t number, Outcome outcome, std::string_view title) const;
-  void verdict(bool good, std::string_view text) const;
 
  private:
   [[nodiscard]] std::string_view paint(std::string_view escape) const { return colour_ ? escape : ""; }

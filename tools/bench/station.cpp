@@ -186,12 +186,6 @@ std::string Station::stillWaiting() {
                             handset::messageName(message->first, message->second), patience);
 }
 
-Bytes Station::nextUnsolicited() {
-  const std::optional<Bytes> message = process_->nextUnsolicited();
-  if (!message) throw trouble("no unsolicited message came");
-  return *message;
-}
-
 bool Station::settle() {
   const size_t mark = process_->logMark();
   if (modem_.indicate(kUnknownIndication, {}) == 0) return false;

@@ -62,8 +62,6 @@ class Station {
       handset::ByteView request, const std::function<void()>& still_waiting = [] {});
   /// "still waiting, after 2 s: ..." with what the process waits for, as far as that is known.
   std::string stillWaiting();
-  /// The next unsolicited message. Throws ProcessTrouble when none comes.
-  handset::Bytes nextUnsolicited();
   /// Waits until the process has handled every indication that was sent before: one that it knows nothing of
   /// comes behind them. False when it has no link to the modem. Throws ProcessTrouble.
   bool settle();

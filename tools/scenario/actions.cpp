@@ -5,7 +5,6 @@
 #include "tools/records/encode.h"
 #include "tools/scenario/files.h"
 #include "tools/scenario/steps.h"
-#include "tools/scenario/values.h"
 #include "tools/text/usage_error.h"
 
 namespace tools {
@@ -19,14 +18,13 @@ void needProcess(const Reading& reading) {
     throw UsageError(R"(the process does not run here; a step with "process": "start" goes before)");
 }
 
-void startProcess(Play& play) {
-  play.station.start();
-  play.log_mark = 0;
-}
-
-void endProcess(Play& play) {
-  play.exit = play.station.end();
-  if (!play.exit) throw play.station.trouble("the process does not end when its requests do");
+/// A record that came. Nothing has to be expected of it for it to make sense.
+PlayedRecord taken(Play& play, std::string_view what, const Bytes& bytes, DecodedRecord decoded,
+                   Moment moment) {
+  if (decoded.problem)
+    play.wrong.push_back(fmt::format("the {} does not parse, at byte {}: {}", what, decoded.problem->offset,
+                                     decoded.problem->text));
+  return {bytes, std::move(decoded), moment};
 }
 
 struct ProcessWord {
@@ -37,88 +35,87 @@ struct ProcessWord {
 constexpr ProcessWord kProcessWords[] = {
     {"start", false, true}, {"end", true, false}, {"restart", true, true}};
 
+void tellProcess(Play& play, const ProcessWord& word) {
+  if (word.ends) play.exit = play.station.end();
+  if (word.ends && !play.exit) throw play.station.trouble("the process does not end when its requests do");
+  if (!word.starts) return;
+  play.station.start();
+  play.log_mark = 0;
+}
+
 Deed readProcess(const Json& value, Reading& reading) {
-  const std::string& name = textOf(value);
   for (const ProcessWord& word : kProcessWords) {
-    if (word.name != name) continue;
+    if (word.name != textOf(value)) continue;
     if (word.ends) needProcess(reading);
     if (!word.ends && reading.running) throw UsageError("the process runs already");
     reading.running = word.starts;
     reading.ends_process = word.ends;
-    return [word](Play& play) {
-      if (word.ends) endProcess(play);
-      if (word.starts) startProcess(play);
-    };
+    if (word.starts) reading.typed = {"restart"};
+    return [word](Play& play) { tellProcess(play, word); };
   }
-  throw UsageError(fmt::format("takes start, end or restart, not '{}'", name));
+  throw UsageError(fmt::format("takes start, end or restart, not '{}'", textOf(value)));
 }
 
 Deed readRequest(const Json& value, Reading& reading) {
-  const Bytes request = encodeWords(splitWords(textOf(value)));
+  reading.request = encodeWords(splitWords(textOf(value)));
+  reading.typed = {textOf(value)};
   needProcess(reading);
-  reading.request = request;
-  return [request](Play& play) {
-    play.request = {request, decodeRequest(request)};
+  return [request = reading.request](Play& play) {
+    play.request = {request, decodeRequest(request), {}};
     const Answer answer = play.station.ask(request);
     play.request->moment = {.time = answer.asked};
-    play.answer = {answer.bytes, decodeAnswer(request, answer.bytes), {answer.came, answer.asked}};
+    play.answer =
+        taken(play, "answer", answer.bytes, decodeAnswer(request, answer.bytes), {answer.came, answer.asked});
     // The log is complete then.
     play.station.process().waitForLogSince(play.log_mark, "Child process waiting for data");
   };
 }
 
-std::vector<ModemOrder> readOrders(const Json& value, ModemOrder (*read)(Words)) {
-  std::vector<ModemOrder> orders;
-  for (const Json* line : eachOf(value))
-    orders.push_back(read(splitWords(textOf(*line))));
-  return orders;
+std::vector<ModemOrder> readOrders(const Json& value, Reading& reading, std::string_view before,
+                                   ModemOrder (*read)(Words)) {
+  return readEach(value, [&](const Json& line) {
+    reading.typed.push_back(fmt::format("{} {}", before, textOf(line)));
+    return read(splitWords(textOf(line)));
+  });
 }
 
-Deed readModem(const Json& value, Reading&) {
-  const auto read = [](Words words) {
-    if (!words.empty() && words.front() == "indicate")
-      throw UsageError(R"(an indication is a step of its own: "indicate": "NAME ...")");
-    return modemOrder(words);
-  };
-  return [orders = readOrders(value, read)](Play& play) {
-    for (const ModemOrder& order : orders)
-      order(play.station.modem());
-  };
+void tellModem(Play& play, const std::vector<ModemOrder>& orders) {
+  for (const ModemOrder& order : orders)
+    order(play.station.modem());
+}
+
+ModemOrder readOrder(Words words) {
+  if (!words.empty() && words.front() == "indicate")
+    throw UsageError(R"(an indication is a step of its own: "indicate": "NAME ...")");
+  return modemOrder(words);
+}
+
+Deed readModem(const Json& value, Reading& reading) {
+  return [orders = readOrders(value, reading, "modem", readOrder)](Play& play) { tellModem(play, orders); };
 }
 
 Deed readIndicate(const Json& value, Reading& reading) {
-  const std::vector<ModemOrder> orders = readOrders(value, indication);
+  const std::vector<ModemOrder> orders = readOrders(value, reading, "modem indicate", indication);
   needProcess(reading);
   reading.indicates = true;
   return [orders](Play& play) {
-    for (const ModemOrder& order : orders)
-      order(play.station.modem());
+    tellModem(play, orders);
     if (!play.station.settle()) {
       play.wrong.emplace_back("the process has no link to the modem, so it heard nothing");
       return;
     }
     // Everything was written before the process came to the end of the indications.
     while (auto message = play.station.process().nextUnsolicited(handset::Millis(0)))
-      play.messages.push_back(
-          {*message, decodeUnsolicited(*message), {.time = std::chrono::steady_clock::now()}});
+      play.messages.push_back(taken(play, "message", *message, decodeUnsolicited(*message),
+                                    {.time = std::chrono::steady_clock::now()}));
   };
 }
 
-Deed readFile(const Json& value, Reading&) {
-  std::vector<FileDescription> files;
-  for (const Json* file : eachOf(value))
-    files.push_back(readFileDescription(*file));
+Deed makeFiles(const std::vector<FileDescription>& files) {
   return [files](Play& play) {
     const auto held = holdOffInterruption();
     for (const FileDescription& file : files)
       makeFile(play.station.folder(), file);
-  };
-}
-
-Deed readProperties(const Json& value, Reading&) {
-  return [properties = readPropertyTexts(value)](Play& play) {
-    const auto held = holdOffInterruption();
-    makeProperties(play.station.folder(), properties);
   };
 }
 
@@ -131,12 +128,20 @@ constexpr StepWord kActions[] = {
     {"indicate", R"("NAME ARGUMENT ...")",
      "the modem indicates something; done when the process is through with it", readIndicate},
     {"file", kFileFormat,
-     "makes a file of the handset; a size without content cuts or extends it, and takes no room", readFile},
+     "makes a file of the handset; a size without content cuts or extends it, and takes no room",
+     [](const Json& value, Reading&) { return makeFiles(readEach(value, readFile)); }},
     {"properties", R"({"NAME": "VALUE" | null})", "sets system properties, or takes them away",
-     readProperties},
+     [](const Json& value, Reading&) { return makeFiles(readProperties(value)); }},
 };
 
 }  // namespace
+
+Play::Play(Station& at)
+    : station(at),
+      log_mark(at.started() ? at.process().logMark() : 0),
+      dropbox_mark(at.folder().dropboxEntries().size()) {
+  at.modem().takeRequests();
+}
 
 std::span<const StepWord> actionWords() {
   return kActions;

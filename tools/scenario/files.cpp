@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <limits>
 
 #include "tools/records/difference.h"
+#include "tools/records/field_value.h"
 #include "tools/scenario/values.h"
 #include "tools/text/usage_error.h"
 
@@ -24,20 +26,10 @@ constexpr int kLinksMax = 8;
 /// A path of the handset, which must not lead out of its folder.
 std::string pathOf(const Json& value) {
   const fs::path path = textOf(value);
-  bool leads_up = false;
-  for (const fs::path& part : path)
-    leads_up = leads_up || part == "..";
+  const bool leads_up = std::find(path.begin(), path.end(), "..") != path.end();
   if (!path.is_absolute() || leads_up || !path.has_filename())
     throw UsageError(
         fmt::format("a path begins with /, has no .. and names a file, unlike '{}'", path.string()));
-  return path;
-}
-
-/// Where links of the handset lead in the end: they carry the handset's own paths.
-std::string throughLinks(const Folder& folder, std::string path) {
-  std::error_code error;
-  for (int i = 0; i < kLinksMax && fs::is_symlink(folder.path(path), error); ++i)
-    path = fs::path(path).parent_path() / fs::read_symlink(folder.path(path), error);
   return path;
 }
 
@@ -48,36 +40,100 @@ std::optional<std::string> linkTarget(const Folder& folder, const std::string& p
   return target.string();
 }
 
-std::vector<std::string> compareContent(const Bytes& content, const FileDescription& expected) {
+/// Where links of the handset lead in the end, on this machine: they carry the handset's own paths.
+std::string throughLinks(const Folder& folder, std::string path) {
+  for (int i = 0; i < kLinksMax; ++i) {
+    const std::optional<std::string> target = linkTarget(folder, path);
+    if (!target) break;
+    path = fs::path(path).parent_path() / *target;
+  }
+  return path;
+}
+
+/// Short texts as such, anything else by the first bytes that differ.
+std::string contentDifference(ByteView found, ByteView expected) {
+  constexpr size_t kShown = 64;
+  const auto is_text = [](ByteView bytes) {
+    return bytes.size() <= kShown && std::all_of(bytes.begin(), bytes.end(), [](uint8_t byte) {
+             return byte == '\n' || (byte >= 0x20 && byte < 0x7F);
+           });
+  };
+  if (!is_text(found) || !is_text(expected)) return difference(found, expected);
+  return fmt::format(": expected {}, not {}", quoted(expected), quoted(found));
+}
+
+std::vector<std::string> compareContent(const std::string& path, const FileDescription& expected) {
+  std::error_code error;
+  const uintmax_t size = fs::is_regular_file(path, error) ? fs::file_size(path, error) : 0;
+  std::ifstream file(path, std::ios::binary);
+  if (!file || error) return {" is not there"};
   std::vector<std::string> wrong;
-  if (expected.size && *expected.size != content.size())
-    wrong.push_back(fmt::format("size: expected {} bytes, not {}", *expected.size, content.size()));
+  if (expected.size && *expected.size != size)
+    wrong.push_back(fmt::format(": expected {} bytes, not {}", *expected.size, size));
   if (!expected.content) return wrong;
-  const ByteView looked_at =
-      expected.size ? ByteView(content).first(std::min(content.size(), expected.content->size())) : content;
-  if (!std::equal(looked_at.begin(), looked_at.end(), expected.content->begin(), expected.content->end()))
-    wrong.push_back(difference(looked_at, *expected.content));
+  Bytes found(expected.size || expected.at ? expected.content->size() : size);
+  file.seekg(static_cast<std::streamoff>(expected.at.value_or(0)));
+  file.read(reinterpret_cast<char*>(found.data()), static_cast<std::streamsize>(found.size()));
+  found.resize(static_cast<size_t>(file.gcount()));
+  if (expected.property && !found.empty() && found.back() == '\n') found.pop_back();
+  if (found != *expected.content) wrong.push_back(contentDifference(found, *expected.content));
   return wrong;
+}
+
+std::vector<std::string> compareKind(const Folder& folder, const FileDescription& expected) {
+  const std::optional<std::string> target = linkTarget(folder, expected.path);
+  if (expected.absent) {
+    if (!fs::exists(fs::symlink_status(folder.path(expected.path)))) return {};
+    return {" is there, and should not be"};
+  }
+  if (!expected.link) return compareContent(folder.path(throughLinks(folder, expected.path)), expected);
+  if (target == expected.link) return {};
+  return {fmt::format(": expected a link to {}, not {}", *expected.link,
+                      target ? "one to " + *target : "something else")};
 }
 
 }  // namespace
 
-FileDescription readFileDescription(const Json& value) {
-  constexpr std::string_view kKeys[] = {"path", "text", "bytes", "size", "link", "absent"};
+FileDescription readFile(const Json& value) {
+  constexpr std::string_view kKeys[] = {"path", "text", "bytes", "at", "size", "link", "absent"};
   checkKeys(value, kKeys);
-  if (!value.contains("path")) throw UsageError("needs a path");
+  const auto has = [&value](const char* key) { return value.contains(key); };
+  const auto number = [&value](const char* key) {
+    constexpr int64_t kMost = std::numeric_limits<int32_t>::max();
+    return static_cast<uint64_t>(numberOf(value.at(key), 0, kMost));
+  };
+  if (!has("path")) throw UsageError("needs a path");
   FileDescription file{.path = pathOf(value.at("path"))};
-  if (value.contains("text")) file.content = handset::bytesOf(textOf(value.at("text")));
-  if (value.contains("bytes")) file.content = bytesIn(value.at("bytes"));
-  if (value.contains("size"))
-    file.size = static_cast<uint64_t>(numberOf(value.at("size"), 0, std::numeric_limits<int32_t>::max()));
-  if (value.contains("link")) file.link = pathOf(value.at("link"));
-  if (value.contains("absent") && value.at("absent") != true) throw UsageError("absent: takes true");
-  file.absent = value.contains("absent");
+  file.name = file.path;
+  if (has("text")) file.content = handset::bytesOf(textOf(value.at("text")));
+  if (has("bytes")) file.content = bytesIn(value.at("bytes"));
+  if (has("at")) file.at = number("at");
+  if (has("size")) file.size = number("size");
+  if (has("link")) file.link = pathOf(value.at("link"));
+  if (has("absent") && value.at("absent") != true) throw UsageError("absent: takes true");
+  file.absent = has("absent");
   const int kinds = (file.content || file.size ? 1 : 0) + (file.link ? 1 : 0) + (file.absent ? 1 : 0);
-  if (kinds != 1 || (value.contains("text") && value.contains("bytes")))
-    throw UsageError("needs text or bytes, a size, or both; or a link; or absent");
+  if (kinds != 1 || (has("text") && has("bytes")) || (file.at && !file.content))
+    throw UsageError(
+        "needs text or bytes, maybe with the place they are at, a size, or both; or a link; or absent");
   return file;
+}
+
+std::vector<FileDescription> readProperties(const Json& value) {
+  constexpr size_t kValueMax = 91;  // characters
+  needObject(value);
+  std::vector<FileDescription> files;
+  for (const auto& [name, text] : value.items()) {
+    if (name.empty() || name.starts_with('.') || name.find('/') != std::string::npos)
+      throw UsageError(fmt::format("'{}' is no name of a property", name));
+    if (!text.is_null() && textOf(text).size() > kValueMax)
+      throw UsageError(fmt::format("{}: a property's value has at most {} characters", name, kValueMax));
+    FileDescription file{
+        .name = name, .path = "/properties/" + name, .absent = text.is_null(), .property = true};
+    if (!file.absent) file.content = handset::bytesOf(textOf(text));
+    files.push_back(file);
+  }
+  return files;
 }
 
 void makeFile(const Folder& folder, const FileDescription& wanted) {
@@ -90,62 +146,14 @@ void makeFile(const Folder& folder, const FileDescription& wanted) {
   }
   const std::string path = throughLinks(folder, wanted.path);
   if (wanted.content || !fs::exists(folder.path(path)))
-    folder.writeFile(path, wanted.content.value_or(Bytes{}));
+    folder.writeFileAt(path, wanted.at.value_or(0), wanted.content.value_or(Bytes{}));
   if (wanted.size) fs::resize_file(folder.path(path), *wanted.size);
 }
 
 std::vector<std::string> compareFile(const Folder& folder, const FileDescription& expected) {
-  std::vector<std::string> wrong;
-  const std::optional<std::string> target = linkTarget(folder, expected.path);
-  const std::optional<Bytes> content = folder.readFile(throughLinks(folder, expected.path));
-  if (expected.absent) {
-    if (fs::exists(fs::symlink_status(folder.path(expected.path))))
-      wrong.emplace_back("expected absent, and it is there");
-  } else if (expected.link) {
-    if (target != expected.link)
-      wrong.push_back(fmt::format("expected a link to {}, not {}", *expected.link, target.value_or("none")));
-  } else if (!content) {
-    wrong.emplace_back("there is no such file");
-  } else {
-    wrong = compareContent(*content, expected);
-  }
+  std::vector<std::string> wrong = compareKind(folder, expected);
   for (std::string& text : wrong)
-    text = fmt::format("{}: {}", expected.path, text);
-  return wrong;
-}
-
-PropertyTexts readPropertyTexts(const Json& value) {
-  constexpr size_t kValueMax = 91;  // characters
-  needObject(value);
-  PropertyTexts properties;
-  for (const auto& [name, text] : value.items()) {
-    if (name.empty() || name.starts_with('.') || name.find('/') != std::string::npos)
-      throw UsageError(fmt::format("'{}' is no name of a property", name));
-    if (!text.is_null() && textOf(text).size() > kValueMax)
-      throw UsageError(fmt::format("{}: a property's value has at most {} characters", name, kValueMax));
-    properties.emplace_back(name, text.is_null() ? std::nullopt : std::optional(textOf(text)));
-  }
-  return properties;
-}
-
-void makeProperties(const Folder& folder, const PropertyTexts& wanted) {
-  for (const auto& [name, text] : wanted) {
-    if (text)
-      folder.setProperty(name, *text);
-    else
-      fs::remove(folder.path("/properties/" + name));
-  }
-}
-
-std::vector<std::string> compareProperties(const Folder& folder, const PropertyTexts& expected) {
-  const std::string none = "(not set)";
-  std::vector<std::string> wrong;
-  for (const auto& [name, text] : expected) {
-    const std::optional<std::string> found = folder.property(name);
-    if (found != text)
-      wrong.push_back(
-          fmt::format("{}: expected {}, not {}", name, text.value_or(none), found.value_or(none)));
-  }
+    text = expected.name + text;
   return wrong;
 }
 

@@ -21,9 +21,6 @@ constexpr std::string_view kTitle = "title";
 constexpr std::string_view kExpect = "expect";
 
 std::string readText(const std::string& path) {
-  std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored))
-    throw UsageError(fmt::format("{} is a folder; a scenario is one file of it", path));
   std::ifstream file(path, std::ios::binary);
   if (!file) throw UsageError(fmt::format("the scenario {} cannot be read: {}", path, std::strerror(errno)));
   return {std::istreambuf_iterator<char>(file), {}};
@@ -119,7 +116,7 @@ Step readStep(const Json& object, bool& running) {
         fmt::format("a step does one thing, not {}; make several steps of it", fmt::join(actions, " and ")));
   if (actions.empty() && (!object.contains(kExpect) || object.at(kExpect).empty()))
     throw UsageError("the step does nothing and expects nothing");
-  Step step{.title = object.contains(kTitle) ? textOf(object.at(kTitle)) : defaultTitle(object), .deeds = {}};
+  Step step{.title = object.contains(kTitle) ? textOf(object.at(kTitle)) : defaultTitle(object)};
   Reading reading{.running = running};
   readWords(object, actionWords(), "", reading, step);
   if (object.contains(kExpect)) {
@@ -137,21 +134,21 @@ Step readStep(const Json& object, bool& running) {
         play.wrong.push_back(fmt::format("exit: expected {}, but {}", expected, describeEnd(*play.exit)));
     });
   running = reading.running;
+  step.typed = reading.typed;
   return step;
 }
 
-Scenario readSteps(const Json& object) {
+Scenario readSteps(const std::string& path, const Json& object) {
   constexpr std::string_view kSteps = "steps";
   constexpr std::string_view kKeys[] = {kTitle, "about", kSteps};
   checkKeys(object, kKeys);
   if (!object.contains(kSteps) || !object.at(kSteps).is_array() || object.at(kSteps).empty())
     throw UsageError("a scenario has \"steps\": [{...}, ...]");
-  Scenario scenario;
   for (const std::string_view key : {kKeys[0], kKeys[1]}) {
     if (object.contains(key) && !object.at(key).is_string())
       throw UsageError(fmt::format("{}: takes text, not {}", key, object.at(key).dump()));
   }
-  scenario.title = object.value(std::string(kTitle), "");
+  Scenario scenario{.file = path, .title = object.value(kTitle, path)};
   bool running = false;
   for (const Json& step : object.at(kSteps)) {
     try {
@@ -167,12 +164,50 @@ Scenario readSteps(const Json& object) {
   return scenario;
 }
 
+std::string describe(std::span<const StepWord> words, std::string_view indent) {
+  std::string lines;
+  for (const StepWord& word : words)
+    lines += fmt::format("{0}\"{1}\": {2}\n{0}    {3}\n", indent, word.name, word.takes, word.help);
+  return lines;
+}
+
 }  // namespace
+
+std::string scenarioFormat() {
+  return "A scenario is {\"title\": T, \"about\": T, \"steps\": [STEP, ...]}. A STEP is an object with\n"
+         "  \"title\": T\n"
+         "    optional, for the reader\n"
+         "and one of these, which it does; where there can be several of what follows, [..., ...] holds "
+         "them:\n" +
+         describe(actionWords(), "  ") +
+         "  \"expect\": {...}\n"
+         "    what has to be so then; alone, it is a step as well:\n" +
+         describe(expectationWords(), "    ");
+}
+
+std::vector<std::string> scenarioFiles(const std::vector<std::string>& paths) {
+  namespace fs = std::filesystem;
+  std::vector<std::string> files;
+  for (const std::string& path : paths) {
+    std::error_code ignored;
+    if (!fs::is_directory(path, ignored)) {
+      files.push_back(path);
+      continue;
+    }
+    std::vector<std::string> found;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(path))
+      if (entry.path().extension() == ".json" && !entry.is_directory()) found.push_back(entry.path());
+    if (found.empty()) throw UsageError(fmt::format("the folder {} has no file that ends in .json", path));
+    std::sort(found.begin(), found.end());
+    files.insert(files.end(), found.begin(), found.end());
+  }
+  return files;
+}
 
 Scenario readScenario(const std::string& path) {
   const std::string text = readText(path);
   try {
-    return readSteps(parse(text));
+    return readSteps(path, parse(text));
   } catch (const Json::parse_error& error) {
     throw UsageError(fmt::format("{}:{}", path, syntaxError(text, error)));
   } catch (const Json::exception& error) {  // a number beyond all that can be stored

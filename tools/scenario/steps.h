@@ -3,21 +3,18 @@
 #pragma once
 
 #include <functional>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "tools/bench/console.h"
 #include "tools/bench/happening.h"
 #include "tools/bench/station.h"
 #include "tools/records/decode.h"
+#include "tools/scenario/values.h"
 
 namespace tools {
-
-using Json = nlohmann::ordered_json;
 
 struct PlayedRecord {
   handset::Bytes bytes;
@@ -51,6 +48,7 @@ struct Reading {
   bool indicates = false;
   bool ends_process = false;
   int exit_expected = 0;
+  std::vector<std::string> typed;  // the lines that do the same in the shell
 };
 
 struct StepWord {
@@ -64,8 +62,5 @@ struct StepWord {
 std::span<const StepWord> actionWords();
 /// What "expect" can hold.
 std::span<const StepWord> expectationWords();
-
-/// Both tables, for a person who writes a scenario.
-std::string scenarioFormat();
 
 }  // namespace tools

@@ -17,6 +17,8 @@ namespace {
 using handset::Bytes;
 using handset::ByteView;
 
+constexpr FieldSpec kMessageType{"msgType", 1, FieldKind::number};
+
 [[noreturn]] void refuse(std::string_view wanted, const Json& value) {
   throw UsageError(fmt::format("takes {}, not {}", wanted, value.dump()));
 }
@@ -27,16 +29,13 @@ std::string writtenValue(const FieldSpec& shape, const Json& value) {
   if (value.is_number_integer()) return value.dump();
   if (!value.is_array() || shape.kind != FieldKind::words)
     refuse(fmt::format("{}: a text or a number", shape.name), value);
-  std::vector<std::string> words;
-  for (const Json& word : value)
-    words.push_back(word.dump());
-  return fmt::format("{}", fmt::join(words, ","));
+  return fmt::format("{}", fmt::join(readEach(value, [](const Json& word) { return word.dump(); }), ","));
 }
 
 const FieldSpec& fieldOf(const std::string& owner, Fields fields, const std::string& name) {
   const std::vector<std::string_view> names = argumentNames(fields);
   for (const FieldSpec& field : fields)
-    if (field.name == name && std::find(names.begin(), names.end(), name) != names.end()) return field;
+    if (field.name == name && field.kind != FieldKind::zeros) return field;
   throw UsageError(fmt::format("{} has no field '{}'{}; it has {}", owner, name, didYouMean(name, names),
                                fmt::join(names, ", ")));
 }
@@ -56,12 +55,7 @@ const std::string& textOf(const Json& value) {
 }
 
 int64_t numberOf(const Json& value, int64_t least, int64_t most) {
-  const bool whole = value.is_number_integer();
-  // A number beyond what is signed is beyond every range as well.
-  const bool fits = whole && !(value.is_number_unsigned() && value.get<uint64_t>() > INT64_MAX);
-  if (!fits || value.get<int64_t>() < least || value.get<int64_t>() > most)
-    refuse(fmt::format("a number from {} to {}", least, most), value);
-  return value.get<int64_t>();
+  return parseNumber("it", value.is_string() ? value.get<std::string>() : value.dump(), least, most);
 }
 
 Bytes bytesIn(const Json& value) {
@@ -70,14 +64,6 @@ Bytes bytesIn(const Json& value) {
 
 void needObject(const Json& value) {
   if (!value.is_object()) refuse("{\"KEY\": VALUE, ...}", value);
-}
-
-std::vector<const Json*> eachOf(const Json& value) {
-  if (!value.is_array()) return {&value};
-  std::vector<const Json*> all;
-  for (const Json& element : value)
-    all.push_back(&element);
-  return all;
 }
 
 void checkKeys(const Json& object, std::span<const std::string_view> known) {
@@ -89,14 +75,17 @@ void checkKeys(const Json& object, std::span<const std::string_view> known) {
   }
 }
 
-std::vector<ExpectedField> readFields(const std::string& owner, Fields fields, const Json& value) {
-  if (fields.empty()) fields = kPlainPayload;
+std::vector<ExpectedField> readFields(const std::string& owner, Family family, Fields payload,
+                                      const Json& value) {
   needObject(value);
+  if (payload.empty()) payload = kPlainPayload;
+  std::vector<FieldSpec> fields(payload.begin(), payload.end());
+  fields.push_back(family == Family::cdma ? kSpcField : kMessageType);
   std::vector<ExpectedField> expected;
   for (const auto& [name, field_value] : value.items()) {
     const FieldSpec& shape = fieldOf(owner, fields, name);
     const std::string written = writtenValue(shape, field_value);
-    expected.push_back({&shape, written, encodeField(shape, written)});
+    expected.push_back({shape, written, encodeField(shape, written)});
   }
   return expected;
 }
@@ -105,15 +94,15 @@ std::vector<std::string> compareFields(const std::vector<ExpectedField>& expecte
                                        const DecodedRecord& decoded, ByteView record) {
   std::vector<std::string> wrong;
   for (const ExpectedField& field : expected) {
-    const DecodedField* found = findLast(decoded, field.shape->name);
+    const DecodedField* found = findLast(decoded, field.shape.name);
     const ByteView bytes = found != nullptr ? record.subspan(found->offset, found->size) : ByteView{};
     if (std::equal(bytes.begin(), bytes.end(), field.bytes.begin(), field.bytes.end())) continue;
     if (found == nullptr)
-      wrong.push_back(fmt::format("{}: expected {}, and there is none", field.shape->name, field.written));
-    else if (field.shape->kind == FieldKind::bytes)
-      wrong.push_back(fmt::format("{} {}", field.shape->name, difference(bytes, field.bytes)));
+      wrong.push_back(fmt::format("{}: expected {}, and there is none", field.shape.name, field.written));
+    else if (field.shape.kind == FieldKind::bytes)
+      wrong.push_back(fmt::format("{} {}", field.shape.name, difference(bytes, field.bytes)));
     else
-      wrong.push_back(fmt::format("{}: expected {}, not {}", field.shape->name, field.written, found->value));
+      wrong.push_back(fmt::format("{}: expected {}, not {}", field.shape.name, field.written, found->value));
   }
   return wrong;
 }

@@ -15,28 +15,39 @@ namespace tools {
 
 using Json = nlohmann::ordered_json;
 
-/// Each throws UsageError when the value is not such a one.
+/// Each throws UsageError when the value is not such a one. A number may be a text as well, for "0x10".
 const std::string& textOf(const Json& value);
 int64_t numberOf(const Json& value, int64_t least, int64_t most);
 handset::Bytes bytesIn(const Json& value);
+
+/// Throws UsageError, with the nearest key, unless this is an object that has only these.
+void checkKeys(const Json& object, std::span<const std::string_view> known);
 void needObject(const Json& value);
 
-/// The value's elements, if it is a list, or the value alone.
-std::vector<const Json*> eachOf(const Json& value);
-
-/// Throws UsageError, with the nearest key, when the object has one that is not known.
-void checkKeys(const Json& object, std::span<const std::string_view> known);
+/// What `read` makes of the value's elements, if it is a list, or of the value alone.
+template <typename Read>
+auto readEach(const Json& value, Read read) {
+  std::vector<std::decay_t<decltype(read(value))>> all;
+  if (!value.is_array())
+    all.push_back(read(value));
+  else
+    for (const Json& element : value)
+      all.push_back(read(element));
+  return all;
+}
 
 /// A field that a record has to have.
 struct ExpectedField {
-  const FieldSpec* shape;
+  FieldSpec shape;
   std::string written;
   handset::Bytes bytes;
 };
 
-/// {"NAME": VALUE, ...}: values are written as in a request, numbers also as such and several as a list.
-/// `owner` is what has these fields.
-std::vector<ExpectedField> readFields(const std::string& owner, Fields fields, const Json& value);
+/// {"NAME": VALUE, ...}: values are written as in a request, numbers also as such and several as a list. The
+/// fields are the payload's and the one of its header that is not the same in all: spc, or a generic record's
+/// msgType. `owner` is what has them.
+std::vector<ExpectedField> readFields(const std::string& owner, Family family, Fields payload,
+                                      const Json& value);
 
 /// What differs, a text for each field.
 std::vector<std::string> compareFields(const std::vector<ExpectedField>& expected,
