@@ -8,9 +8,9 @@
 #include "handset/line_reader.h"
 #include "tools/bench/happening.h"
 #include "tools/bench/modem_control.h"
+#include "tools/bench/reference.h"
 #include "tools/bench/station.h"
 #include "tools/commands/commands.h"
-#include "tools/bench/reference.h"
 #include "tools/text/usage_error.h"
 
 namespace tools {
@@ -34,7 +34,7 @@ void showCrossings(handset::Modem& modem, const Console& console) {
 void obey(handset::Modem& modem, const std::string& line) {
   try {
     const std::vector<std::string> words = splitWords(line);
-    if (words.empty()) return;
+    if (words.empty() || words.front().starts_with('#')) return;
     commandModem(modem, words);
     fmt::print("    told     {}\n", line);
   } catch (const UsageError& error) {
@@ -67,9 +67,16 @@ void addModemCommand(CLI::App& tool, Common& common) {
       ->option_text("FOLDER");
   auto times = std::make_shared<bool>();
   command->add_flag("--times", *times, kTimesHelp);
-  command->footer("Lines of the input tell the modem what to do:\n" + modemReference() +
-                  "\nExample:\n  hookctl modem --root /tmp/handset &\n"
-                  "  HANDSET_ROOT=/tmp/handset qmi_kesext_hook 3 4 5 0");
+  command->footer(
+      "Lines of the input tell the modem what to do; '#' begins a comment:\n" + modemReference() +
+      "\nWhat it was told and what was written is kept in the folder, in modem.txt, until it is told "
+      "reset.\n\n"
+      "Example, with a shell for a parent, which asks for the BSR timer:\n"
+      "  hookctl modem --root /tmp/handset &\n"
+      "  printf '\\274\\0\\0\\2\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0' |\n"
+      "    HANDSET_ROOT=/tmp/handset qmi_kesext_hook 0 4 5 0 4>/tmp/answers 5>/tmp/messages\n"
+      "  od -An -v -w24 -tx1 /tmp/answers | hookctl decode\n"
+      "  kill $!");
   command->callback([&common, root, times] {
     // In the background of a terminal it is not to be stopped for reading, but to go on without its input.
     (void)std::signal(SIGTTIN, SIG_IGN);
