@@ -1,6 +1,7 @@
 #include "tools/log/log_lines.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <chrono>
 #include <utility>
@@ -13,13 +14,11 @@ namespace {
 
 constexpr std::string_view kTag = KESEXT_LOG_TAG;
 constexpr std::string_view kPriorityLetters = "VDIWEF";
-constexpr int64_t kMillisPerSecond = 1000;
-constexpr int64_t kMillisPerDay = 86'400 * kMillisPerSecond;
 /// Where a log has no years, as of a leap year.
-constexpr int kYearWithoutName = 2000;
-constexpr int64_t kYear = 366 * kMillisPerDay;
-/// A clock is not set back as far as this: a year has ended.
-constexpr int64_t kYearHasEnded = -300 * kMillisPerDay;
+constexpr int64_t kYearWithoutName = 2000;
+constexpr int64_t kYear = int64_t{366} * 86'400'000;  // milliseconds
+/// Nothing takes as long: between such times the clock was set. Milliseconds.
+constexpr int64_t kTooLong = 3'600'000;
 
 void removeColours(std::string& line) {
   constexpr std::string_view kIntroducer = "\x1b[";
@@ -29,156 +28,150 @@ void removeColours(std::string& line) {
   }
 }
 
-std::string_view trimmed(std::string_view text) {
+void removeBlanks(std::string_view& text) {
   text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-  return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
 /// The next word, taken off the text; empty at its end.
-std::string_view takeWord(std::string_view& text) {
-  text = trimmed(text);
-  const std::string_view word = text.substr(0, text.find(' '));
+std::string_view takeWord(std::string_view& text, std::string_view parting = " ") {
+  text.remove_prefix(std::min(text.find_first_not_of(parting), text.size()));
+  const std::string_view word = text.substr(0, text.find_first_of(parting));
   text.remove_prefix(word.size());
   return word;
 }
 
-/// The number that a text begins with, taken off it together with the character behind it.
-std::optional<int64_t> takeNumber(std::string_view& text) {
-  int64_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc{}) return std::nullopt;
-  text.remove_prefix(std::min(static_cast<size_t>(end - text.data()) + 1, text.size()));
-  return number;
-}
-
-/// Seconds and their fraction of any number of digits.
-std::optional<int64_t> millisOfSeconds(std::string_view text) {
-  const auto seconds = takeNumber(text);
-  if (!seconds) return std::nullopt;
-  std::string fraction(text.substr(0, 3));
-  fraction.resize(3, '0');
-  std::string_view digits = fraction;
-  return *seconds * kMillisPerSecond + takeNumber(digits).value_or(0);
-}
-
-std::optional<int64_t> millisOfClock(std::string_view clock) {
-  const auto hours = takeNumber(clock);
-  const auto minutes = takeNumber(clock);
-  const auto millis = millisOfSeconds(clock);
-  if (!hours || !minutes || !millis) return std::nullopt;
-  return (*hours * 60 + *minutes) * 60 * kMillisPerSecond + *millis;
-}
-
-/// "MM-DD" or "YYYY-MM-DD".
-std::optional<int64_t> millisOfDate(std::string_view date) {
-  int64_t year = kYearWithoutName;
-  if (std::count(date.begin(), date.end(), '-') == 2) year = takeNumber(date).value_or(0);
-  const auto month = takeNumber(date);
-  const auto day = takeNumber(date);
-  if (!month || !day) return std::nullopt;
-  const std::chrono::year_month_day named{std::chrono::year(static_cast<int>(year)),
-                                          std::chrono::month(static_cast<unsigned>(*month)),
-                                          std::chrono::day(static_cast<unsigned>(*day))};
-  if (!named.ok()) return std::nullopt;
-  return std::chrono::sys_days(named).time_since_epoch().count() * kMillisPerDay;
-}
-
-/// What stands before the priority: nothing, or date and time or seconds, and the ids of user, process and
-/// thread. False when it is something else, as when another process's text has the tag in it.
-bool readHead(std::string_view head, LogLine& line) {
-  int64_t ids[2] = {};  // the last two
-  while (true) {
-    const std::string_view word = takeWord(head);
-    if (word.empty()) break;
-    const bool begins = line.time.empty();
-    const size_t colon = word.find(':');
-    std::string_view left = word;
-    if (begins && word.find('-') != std::string_view::npos) {
-      const std::string_view clock = takeWord(head);
-      const auto date = millisOfDate(word);
-      const auto time = millisOfClock(clock);
-      if (!date || !time) return false;
-      line.time = {word.data(), static_cast<size_t>(clock.data() + clock.size() - word.data())};
-      line.millis = *date + *time;
-    } else if (begins && word.find('.') != std::string_view::npos) {
-      line.time = word;
-      line.millis = millisOfSeconds(word);
-      if (!line.millis) return false;
-    } else if (begins) {
-      return false;
-    } else if (word[0] != '+' && word[0] != '-') {  // a time zone
-      constexpr std::string_view kOfIds = "abcdefghijklmnopqrstuvwxyz_0123456789:";
-      if (word.find_first_not_of(kOfIds) != std::string_view::npos) return false;
-      const auto id = takeNumber(left);
-      if (id) ids[0] = std::exchange(ids[1], *id);
-      const bool both = colon != std::string_view::npos && !left.empty();
-      if (both) ids[0] = std::exchange(ids[1], takeNumber(left).value_or(0));
-      if (!id && colon != std::string_view::npos) return false;
-    }
+/// Of "YYYY-MM-DD hh:mm:ss.f", the same without a year, or "s.f", each with a fraction of any length; nothing
+/// for any other text.
+std::optional<int64_t> millisOf(std::string_view time) {
+  constexpr int64_t kNumberMax = 1'000'000'000'000;
+  std::array<int64_t, 7> numbers{};
+  size_t count = 0;
+  int64_t digits = 0;  // of the last, the fraction
+  for (; !time.empty() && count < numbers.size(); ++count) {
+    const auto [end, error] = std::from_chars(time.data(), time.data() + time.size(), numbers[count]);
+    if (error != std::errc{} || numbers[count] < 0 || numbers[count] > kNumberMax) return std::nullopt;
+    digits = end - time.data();
+    time.remove_prefix(std::min(static_cast<size_t>(digits) + 1, time.size()));
   }
-  line.process = static_cast<int32_t>(ids[0]);
+  if (!time.empty() || (count != 2 && count < 6)) return std::nullopt;
+  std::rotate(numbers.begin(), numbers.begin() + static_cast<ptrdiff_t>(count), numbers.end());
+  auto [year, month, day, hours, minutes, seconds, millis] = numbers;
+  for (; digits > 3; --digits)
+    millis /= 10;
+  for (; digits < 3; ++digits)
+    millis *= 10;
+  if (count > 2) {
+    const std::chrono::year_month_day date{
+        std::chrono::year(static_cast<int>(count == 7 ? year : kYearWithoutName)),
+        std::chrono::month(static_cast<unsigned>(month)), std::chrono::day(static_cast<unsigned>(day))};
+    if (!date.ok()) return std::nullopt;
+    hours += int64_t{std::chrono::sys_days(date).time_since_epoch().count()} * 24;
+  }
+  return ((hours * 60 + minutes) * 60 + seconds) * 1000 + millis;
+}
+
+/// The last two of the ids of user, process and thread, of which the user's may be a name. Nothing when there
+/// is something else, as where another process's text has the tag in it.
+std::optional<std::array<int32_t, 2>> lastIds(std::string_view words) {
+  constexpr std::string_view kOfIds = "abcdefghijklmnopqrstuvwxyz_0123456789";
+  std::array<int32_t, 2> ids{};
+  for (std::string_view word; !(word = takeWord(words, " :")).empty();) {
+    if (word[0] == '+' || word[0] == '-') continue;  // the time's zone
+    if (word.find_first_not_of(kOfIds) != std::string_view::npos) return std::nullopt;
+    ids[0] = std::exchange(ids[1], 0);
+    std::from_chars(word.data(), word.data() + word.size(), ids[1]);
+  }
+  return ids;
+}
+
+/// What stands before the priority: nothing, or date and time or seconds, and the ids. False when it is
+/// something else.
+bool readHead(std::string_view head, LogLine& line) {
+  std::string_view words = head;
+  const std::string_view first = takeWord(words);
+  if (first.empty()) return true;
+  const bool dated = first.find('-') != std::string_view::npos;
+  const std::string_view last = dated ? takeWord(words) : first;
+  line.time = {first.data(), static_cast<size_t>(last.data() + last.size() - first.data())};
+  line.millis = millisOf(line.time);
+  const auto ids = lastIds(words);
+  if (!line.millis || !ids) return false;
+  line.process = (*ids)[0];
   return true;
 }
 
-/// A line with a priority and a tag, and what of it stands behind the tag.
-std::optional<LogLine> readTagged(std::string_view text, size_t tag, std::string_view& rest) {
-  constexpr size_t kPrioritySize = 2;
-  if (tag < kPrioritySize) return std::nullopt;
-  const size_t priority = tag - kPrioritySize;
+/// A line with a priority and a tag, its text what stands behind these: of "HEAD P TAG   : TEXT" or
+/// "HEAD P/TAG   (IDS): TEXT" from the colon or the bracket of the long form on.
+std::optional<LogLine> readTagged(std::string_view text) {
+  const size_t tag = text.find(kTag);
+  if (tag == std::string_view::npos || tag < 2) return std::nullopt;
+  const size_t priority = tag - 2;
   const char parting = text[tag - 1];
-  if (parting != ' ' && parting != '/') return std::nullopt;
-  if (kPriorityLetters.find(text[priority]) == std::string_view::npos) return std::nullopt;
+  if ((parting != ' ' && parting != '/') || kPriorityLetters.find(text[priority]) == std::string_view::npos)
+    return std::nullopt;
   if (priority > 0 && text[priority - 1] != ' ') return std::nullopt;
-  std::string_view head = text.substr(0, priority);
-  if (head.starts_with('[')) head.remove_prefix(1);
   LogLine line;
-  if (!readHead(head, line)) return std::nullopt;
-  rest = text.substr(tag + kTag.size());
+  if (!readHead(text.substr(0, priority), line)) return std::nullopt;
+  line.bench = priority == 0 && parting == ' ';
+  line.text = text.substr(tag + kTag.size());
+  removeBlanks(line.text);
+  if (const size_t end = line.text.find(')'); line.text.starts_with('(') && end != std::string_view::npos) {
+    const auto ids = lastIds(line.text.substr(1, end - 1));
+    if (!ids) return std::nullopt;
+    line.process = (*ids)[1];
+    line.text.remove_prefix(end + 1);
+  }
   return line;
+}
+
+/// A line of the form that has the tag behind the text: "P(IDS) TEXT  (TAG)".
+std::optional<LogLine> readTaggedBehind(std::string_view text) {
+  constexpr std::string_view kBehind = "  (" KESEXT_LOG_TAG ")";
+  if (!text.ends_with(kBehind) || kPriorityLetters.find(text[0]) == std::string_view::npos || text[1] != '(')
+    return std::nullopt;
+  text.remove_suffix(kBehind.size());
+  const size_t end = text.find(") ");
+  if (end == std::string_view::npos) return std::nullopt;
+  const auto ids = lastIds(text.substr(2, end - 2));
+  if (!ids) return std::nullopt;
+  return LogLine{.text = text.substr(end + 2), .process = (*ids)[1]};
 }
 
 }  // namespace
 
 std::optional<LogLine> LogReader::read(std::string& line) {
   if (line.find('\x1b') != std::string::npos) removeColours(line);
-  const std::string_view text = line;
-  if (block_ != Block::none && !text.starts_with("[ ")) {
-    if (text.empty()) block_ = Block::none;
-    if (block_ != Block::own) return std::nullopt;
-    LogLine found = block_head_;
-    found.text = text;
-    return found;
-  }
-  if (text.starts_with("[ ") && text.ends_with(']')) block_ = Block::foreign;
-  const size_t tag = text.find(kTag);
-  if (tag == std::string_view::npos) return std::nullopt;
-  std::string_view rest;
-  std::optional<LogLine> found = readTagged(text, tag, rest);
-  if (!found) return std::nullopt;
-  rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
-  if (block_ == Block::foreign) {
-    if (rest != "]") return std::nullopt;
-    block_ = Block::own;
-    block_time_ = found->time;
-    block_head_ = *found;
-    block_head_.time = block_time_;
+  while (line.ends_with('\r'))
+    line.pop_back();
+  std::string_view text = line;
+  if (text.starts_with("[ ") && text.ends_with(']')) {
+    text.remove_prefix(1);
+    in_block_ = true;
+    block_ = readTagged(text);
+    if (!block_ || block_->text != "]") {
+      block_.reset();
+      return std::nullopt;
+    }
+    block_time_ = block_->time;
+    block_->time = block_time_;
     return std::nullopt;
   }
-  if (rest.starts_with('(')) {
-    rest.remove_prefix(1);
-    rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
-    found->process = static_cast<int32_t>(takeNumber(rest).value_or(0));  // and the parenthesis
+  if (in_block_) {
+    in_block_ = !text.empty();
+    if (block_) block_->text = text;
+    return in_block_ ? block_ : std::nullopt;
   }
-  if (!rest.starts_with(':')) return std::nullopt;
-  found->text = rest.substr(rest.starts_with(": ") ? 2 : 1);
+  std::optional<LogLine> found = readTagged(text);
+  if (!found || !found->text.starts_with(':')) return readTaggedBehind(text);
+  found->text.remove_prefix(found->text.starts_with(": ") ? 2 : 1);
   return found;
 }
 
 std::optional<int64_t> millisBetween(std::optional<int64_t> from, std::optional<int64_t> to) {
   if (!from || !to) return std::nullopt;
   int64_t passed = *to - *from;
-  if (passed < kYearHasEnded) passed += kYear;
-  if (passed < 0) return std::nullopt;
+  if (passed < 0) passed += kYear;
+  if (passed < 0 || passed >= kTooLong) return std::nullopt;
   return passed;
 }
 

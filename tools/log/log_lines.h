@@ -1,4 +1,5 @@
-// The lines of a log that are the process's: from a workstation, or in any of the forms that logcat prints.
+// The lines of a log that are the process's: from a workstation, or in any of the forms that logcat prints
+// with tags.
 #pragma once
 
 #include <cstdint>
@@ -13,6 +14,7 @@ struct LogLine {
   std::string_view time;          // as the log has it, empty without one
   std::optional<int64_t> millis;  // since some beginning; in a log without years, of the year
   int32_t process = 0;            // 0 where the log does not say, as on a workstation
+  bool bench = false;             // a workstation's
 };
 
 class LogReader {
@@ -22,15 +24,12 @@ class LogReader {
   std::optional<LogLine> read(std::string& line);
 
  private:
-  /// Of a log in long form: whose the lines below the last header are.
-  enum class Block { none, own, foreign };
-
-  Block block_ = Block::none;
+  bool in_block_ = false;         // of a log in long form, below a header
+  std::optional<LogLine> block_;  // the header, where it is the process's
   std::string block_time_;
-  LogLine block_head_;
 };
 
-/// From one time of a log to a later one; nothing when one is missing or the clock was set back.
+/// From one time of a log to a later one; nothing when one is missing or the clock was set in between.
 std::optional<int64_t> millisBetween(std::optional<int64_t> from, std::optional<int64_t> to);
 
 }  // namespace tools
