@@ -82,32 +82,29 @@ int64_t numberOf(std::string_view place) {
   return std::strtoll(std::string(place).c_str(), nullptr, 10);
 }
 
-/// What a result of sending means where that is known.
-std::string sendResult(std::string_view place, bool bench) {
-  const auto code = static_cast<int>(numberOf(place));
-  std::string number = fmt::format("code {}", code);
-  if (!bench) return number;
-  switch (code) {
-    case host::kLocalError:
-      return number + ", a bad argument or an error of this machine";
-    case host::kNoService:
-      return number + ", no such service or no link";
-    case host::kTimedOut:
-      return number + ", no answer in time";
-    case host::kNotDecoded:
-      return number + ", it does not decode";
-    default:
-      return number;
-  }
-}
+/// What the workstation's results of sending mean.
+constexpr std::pair<int, std::string_view> kSendResults[] = {
+    {host::kLocalError, ", a bad argument or an error of this machine"},
+    {host::kNoService, ", no such service or no link"},
+    {host::kTimedOut, ", no answer in time"},
+    {host::kNotDecoded, ", it does not decode"}};
 
 std::string placeInWords(std::string_view place, char what, const LineContext& context) {
-  if (what == 'e')
-    return fmt::format("{} (errno {})", std::strerror(static_cast<int>(numberOf(place))), place);
-  if (what == 'c') return sendResult(place, context.bench);
-  if (what == 'n') return elementName(place);
-  if (what == 'b') return shortened(place);
-  return std::string(place);
+  const auto number = static_cast<int>(numberOf(place));
+  switch (what) {
+    case 'e':  // a write that was cut short leaves none
+      return fmt::format("{} (errno {})", number == 0 ? "not all was written" : std::strerror(number), place);
+    case 'c':
+      for (const auto& [result, words] : kSendResults)
+        if (context.bench && result == number) return fmt::format("code {}{}", place, words);
+      return fmt::format("code {}", place);
+    case 'n':
+      return fmt::format("{} (0x{:X})", place, static_cast<uint32_t>(numberOf(place)));
+    case 'b':
+      return shortened(place);
+    default:
+      return place.empty() ? "none" : std::string(place);
+  }
 }
 
 }  // namespace
@@ -148,13 +145,9 @@ bool tellsTimeOut(std::string_view words, const Places& places) {
          numberOf(places[static_cast<size_t>(words[named - 1] - '0')]) == host::kTimedOut;
 }
 
-std::string elementName(std::string_view index) {
-  const int64_t number = numberOf(index);
-  return fmt::format("{} (0x{:X})", number, static_cast<uint32_t>(number));
-}
-
 std::string shortened(std::string_view digits) {
   constexpr size_t kShown = 32;
+  if (digits.empty()) return "no bytes";
   if (digits.size() <= kShown) return std::string(digits);
   return fmt::format("{}... ({} bytes)", digits.substr(0, kShown), digits.size() / 2);
 }

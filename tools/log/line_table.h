@@ -15,7 +15,6 @@ enum class LineKind : uint8_t {
 
   // start and end of the process
   started,
-  arguments,
   waits,       // for a service of the modem
   connected,   // to all of them
   notStarted,  // the process ends; its words tell why
@@ -37,13 +36,14 @@ enum class LineKind : uint8_t {
   failed,     // the answer says failure; its words tell why
   zeros,      // the modem failed, and the answer says success all the same
 
-  // what the modem does by itself
-  indication,
-  report,    // what came of it
-  modemLog,  // what became of a modem log
+  trouble,  // something went wrong, whatever was going on
 
-  trouble,     // something went wrong, whatever was going on
-  logTrouble,  // with a modem log
+  // what the modem does by itself, on threads of their own
+  indication,
+  report,         // what came of it
+  reportTrouble,  // what went wrong with it
+  modemLog,       // what became of a modem log
+  logTrouble,     // what went wrong with it
 };
 
 /// A line's text: literal parts and the places %d, %u, %x, %X and %s; the last takes all up to the next
@@ -103,9 +103,6 @@ std::string inWords(std::string_view words, const Places& places, const LineCont
 /// Whether a result of sending among the places that the words name is the workstation's for no answer in
 /// time.
 bool tellsTimeOut(std::string_view words, const Places& places);
-
-/// An element's index as people know it: "38 (0x26)".
-std::string elementName(std::string_view index);
 
 /// The first of the digits of many bytes, and how many bytes there are.
 std::string shortened(std::string_view digits);

@@ -2,9 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <iterator>
-#include <utility>
+#include <tuple>
 
 namespace tools {
 
@@ -18,24 +16,10 @@ constexpr size_t kSlowestMax = 10;
 
 }  // namespace
 
-void addDetail(LogEvent& event, std::string words) {
-  if (words.empty() || event.details.size() == kDetailsMax) return;
-  if (words.size() > kWordsMax) words = words.substr(0, kWordsMax) + "...";
-  event.details.push_back(std::move(words));
-}
-
-void addProblem(LogEvent& event, Problem problem) {
-  if (!problem.words.empty() && event.problems.size() < kProblemsMax)
-    event.problems.push_back(std::move(problem));
-}
-
-void worsen(LogEvent& event, Ending ending) {
-  const auto rank = [](Ending of) {
-    constexpr Ending kFromGoodToBad[] = {Ending::answered, Ending::success, Ending::zeros,
-                                         Ending::failed,   Ending::cut,     Ending::notServed};
-    return std::find(std::begin(kFromGoodToBad), std::end(kFromGoodToBad), of);
-  };
-  if (rank(event.ending) < rank(ending)) event.ending = ending;
+std::string_view endingName(Ending ending) {
+  constexpr std::string_view kNames[] = {"answered", "success", "answered with zeros",
+                                         "failed",   "cut",     "not served"};
+  return kNames[static_cast<size_t>(ending)];
 }
 
 std::string inSeconds(int64_t millis) {
@@ -47,27 +31,38 @@ std::string times(size_t count) {
   return count == 1 ? "once" : fmt::format("{} times", count);
 }
 
-std::string_view endingName(Ending ending) {
-  switch (ending) {
-    case Ending::answered:
-      return "answered";
-    case Ending::success:
-      return "success";
-    case Ending::zeros:
-      return "answered with zeros";
-    case Ending::failed:
-      return "failed";
-    case Ending::notServed:
-      return "not served";
-    case Ending::cut:
-      return "cut";
-  }
-  return "";
+std::string keptWords(std::string_view words) {
+  size_t size = std::min(words.size(), kWordsMax);
+  const auto continues = [](char byte) { return (static_cast<uint8_t>(byte) & 0xC0) == 0x80; };
+  while (size < words.size() && size > 0 && continues(words[size]))
+    --size;
+  std::string kept(words.substr(0, size));
+  std::replace_if(
+      kept.begin(), kept.end(), [](char byte) { return byte >= 0 && byte < ' '; }, '?');
+  return size < words.size() ? kept + "..." : kept;
+}
+
+void LogEvent::addDetail(std::string_view words) {
+  if (!words.empty() && details.size() < kDetailsMax) details.push_back(keptWords(words));
+}
+
+void LogEvent::addProblem(size_t of_line, std::string_view words) {
+  if (words.empty()) return;
+  // The last one tells what came of those before it.
+  if (problems.size() == kProblemsMax) problems.pop_back();
+  problems.push_back({of_line, keptWords(words)});
 }
 
 bool LogEvent::failed() const {
   return ending == Ending::zeros || ending == Ending::failed || ending == Ending::notServed || silences > 0 ||
          !problems.empty();
+}
+
+bool LogEvent::isLike(const LogEvent& other) const {
+  const auto words = [](const Problem& a, const Problem& b) { return a.words == b.words; };
+  return std::tie(happening, process, name, details) ==
+             std::tie(other.happening, other.process, other.name, other.details) &&
+         std::equal(problems.begin(), problems.end(), other.problems.begin(), other.problems.end(), words);
 }
 
 void LogSummary::count(const LogEvent& event) {

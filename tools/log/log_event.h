@@ -1,6 +1,7 @@
 // Something that happened, as a log tells it, and what many of these come to.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -13,8 +14,8 @@ namespace tools {
 
 enum class EventKind { startUp, request, report, modemLog, trouble, end };
 
-/// How a request or a start-up ended, as far as the log tells.
-enum class Ending { answered, success, zeros, failed, notServed, cut };
+/// How a request or a start-up ended, as far as the log tells; from good to bad.
+enum class Ending { answered, success, zeros, failed, cut, notServed };
 
 /// "answered" and so on, as people read it.
 std::string_view endingName(Ending ending);
@@ -25,7 +26,10 @@ std::string inSeconds(int64_t millis);
 /// "once", "2 times".
 std::string times(size_t count);
 
-/// What went wrong, and the number of the line that says so.
+/// Words of a log as far as they are kept and fit to be shown.
+std::string keptWords(std::string_view words);
+
+/// What a line says that went wrong.
 struct Problem {
   size_t line = 0;
   std::string words;
@@ -42,27 +46,28 @@ struct LogEvent {
   std::string name;              // of a request or an indication
   Ending ending = Ending::answered;
   std::vector<std::string> details;
-  std::vector<Problem> problems;
-  size_t silences = 0;  // how often the modem let the time for an answer pass
-  size_t count = 1;     // the same again and again, nothing in between
+  std::vector<Problem> problems;  // the first few and the last
+  size_t silences = 0;            // how often the modem let the time for an answer pass
+  size_t count = 1;               // the same again and again, nothing in between
+
+  /// Adds to what is told, unless that is much already; no words are nothing.
+  void addDetail(std::string_view words);
+  void addProblem(size_t of_line, std::string_view words);
+  /// The worst of what the lines told is how it ended.
+  void worsen(Ending by) { ending = std::max(ending, by); }
 
   /// Whether something went wrong.
   [[nodiscard]] bool failed() const;
+  /// Whether the same happened, at another time.
+  [[nodiscard]] bool isLike(const LogEvent& other) const;
 };
-
-/// Adds to what is told of an event, unless that is much already; no words are nothing.
-void addDetail(LogEvent& event, std::string words);
-void addProblem(LogEvent& event, Problem problem);
-
-/// The worst of what the lines told is how it ended.
-void worsen(LogEvent& event, Ending ending);
 
 /// What is held of a log for its end.
 struct LogSummary {
   struct Requests {
     size_t count = 0;
     size_t failures = 0;
-    size_t timed = 0;
+    int64_t timed = 0;
     int64_t longest = 0;  // milliseconds
     int64_t total = 0;    // milliseconds
   };

@@ -21,8 +21,6 @@ namespace {
 constexpr size_t kTellersMax = 16;
 /// Elements of a request that are told one by one.
 constexpr size_t kTransfersMax = 2;
-/// Of the first line that is not known. Characters.
-constexpr size_t kUnknownMax = 160;
 
 /// The log's clock is not exactly the one that the modem is waited for by. Milliseconds.
 constexpr int64_t kSilence = kesext::kSendTimeoutMs - 50;
@@ -50,8 +48,45 @@ void addDump(LogEvent& event, const DumpAnnouncement& announced, std::string_vie
     if (announced.fields.empty() && (field.offset < kesext::kOemHookPayloadOffset || name == "end")) continue;
     const handset::ByteView value = handset::ByteView(bytes).subspan(field.offset, field.size);
     const bool plain = field.value.ends_with(" bytes");
-    addDetail(event, fmt::format("{} {}", name, plain ? shortened(handset::toHex(value, "")) : field.value));
+    event.addDetail(fmt::format("{} {}", name, plain ? shortened(handset::toHex(value, "")) : field.value));
   }
+}
+
+/// What a line does by its kind alone to the event that it is of.
+struct Effect {
+  Ending ending = Ending::answered;
+  bool answers = false;  // the modem did
+  bool trouble = false;  // its words tell what went wrong
+};
+
+Effect effectOf(LineKind kind) {
+  switch (kind) {
+    case LineKind::answers:
+      return {.answers = true};
+    case LineKind::succeeded:
+      return {.ending = Ending::success, .answers = true};
+    case LineKind::failed:
+      return {.ending = Ending::failed, .answers = true, .trouble = true};
+    case LineKind::zeros:
+      return {.ending = Ending::zeros, .trouble = true};
+    case LineKind::unserved:
+      return {.ending = Ending::notServed, .trouble = true};
+    case LineKind::trouble:
+    case LineKind::notStarted:
+    case LineKind::reportTrouble:
+    case LineKind::logTrouble:
+      return {.trouble = true};
+    default:
+      return {};
+  }
+}
+
+/// Adds the words of a line to what is told.
+void add(LogEvent& event, size_t line, LineKind kind, std::string_view words) {
+  if (effectOf(kind).trouble)
+    event.addProblem(line, words);
+  else
+    event.addDetail(words);
 }
 
 }  // namespace
@@ -71,7 +106,7 @@ LogStory::Teller& LogStory::tellerOf(int32_t process) {
   return *tellers_.insert(tellers_.begin(), std::move(teller));
 }
 
-LogEvent LogStory::begin(EventKind happening, const LogLine& line) const {
+LogEvent LogStory::eventOf(EventKind happening, const LogLine& line) const {
   return {.happening = happening,
           .line = summary_.lines,
           .process = line.process,
@@ -87,220 +122,150 @@ void LogStory::take(const std::optional<LogLine>& line) {
   Places places;
   const LineRow* row = findLine(line->text, places);
   if (row == nullptr) {
-    if (summary_.unknown++ == 0)
-      summary_.first_unknown = {summary_.lines, std::string(line->text.substr(0, kUnknownMax))};
+    if (summary_.unknown++ == 0) summary_.first_unknown = {summary_.lines, keptWords(line->text)};
     return;
   }
   Teller& teller = tellerOf(line->process);
-  teller.context.bench = line->process == 0 && line->time.empty();
+  teller.context.bench = line->bench;
   note(teller, *line, *row, places);
 }
 
 void LogStory::note(Teller& teller, const LogLine& line, const LineRow& row, const Places& places) {
-  switch (row.kind) {
-    case LineKind::indication:
-    case LineKind::report:
-    case LineKind::modemLog:
-    case LineKind::logTrouble:
-      return noteApart(teller, line, row, places);
-    default:
-      break;
-  }
-  noteSilence(teller, line);
+  if (row.kind >= LineKind::indication) return noteApart(teller, line, row, places);
+  // The process does nothing but wait for the modem between two lines that are so far apart.
+  const auto passed = millisBetween(std::exchange(teller.last_time, line.millis), line.millis);
+  if (teller.current && passed.value_or(0) >= kSilence) ++teller.current->silences;
   switch (row.kind) {
     case LineKind::quiet:
       return;
     case LineKind::started:
-    case LineKind::arguments:
-    case LineKind::waits:
-    case LineKind::connected:
-    case LineKind::notStarted:
-    case LineKind::ready:
-    case LineKind::ended:
-      return noteStart(teller, line, row, places);
-    default:
-      return noteRequest(teller, line, row, places);
-  }
-}
-
-/// The process does nothing but wait for the modem between two lines that are so far apart.
-void LogStory::noteSilence(Teller& teller, const LogLine& line) {
-  const auto passed = millisBetween(teller.last_time, line.millis);
-  teller.last_time = line.millis;
-  LogEvent* event = teller.current();
-  if (event != nullptr && passed.value_or(0) >= kSilence) ++event->silences;
-}
-
-void LogStory::noteStart(Teller& teller, const LogLine& line, const LineRow& row, const Places& places) {
-  switch (row.kind) {
-    case LineKind::started:
-      cut(teller, "the process started anew");
       ++summary_.starts;
-      teller = {
-          .process = teller.process, .context = {.bench = teller.context.bench}, .last_time = line.millis};
-      teller.start_up = begin(EventKind::startUp, line);
+      return begin(teller, EventKind::startUp, line, "the process started anew");
+    case LineKind::received:
+      begin(teller, EventKind::request, line, "the next one came");
+      teller.current->name = "without an id";
       return;
     case LineKind::ready:
-      endRequest(teller, line.millis, Ending::answered);
-      endStart(teller, line.millis, Ending::success);
-      return;
-    case LineKind::ended: {
-      endReport(teller);
-      LogEvent end = begin(EventKind::end, line);
-      addDetail(end, inWords(row.words, places, teller.context));
-      return tell(std::move(end));
-    }
-    default:
-      break;
-  }
-  if (!teller.start_up) return;
-  if (row.kind == LineKind::arguments)
-    addDetail(*teller.start_up, inWords(row.words, places, teller.context));
-  if (row.kind == LineKind::waits) ++teller.waits;
-  if (row.kind == LineKind::connected) {
-    const auto took = millisBetween(teller.start_up->began, line.millis);
-    if (took)
-      addDetail(*teller.start_up, fmt::format("the modem's services were there after {}", inSeconds(*took)));
-    if (teller.waits > 0)
-      addDetail(*teller.start_up, fmt::format("waited {} for one, up to 1 s each", times(teller.waits)));
-  }
-  if (row.kind == LineKind::notStarted) {
-    addProblem(*teller.start_up, {summary_.lines, inWords(row.words, places, teller.context)});
-    endStart(teller, line.millis, Ending::failed);
-  }
-}
-
-void LogStory::noteRequest(Teller& teller, const LogLine& line, const LineRow& row, const Places& places) {
-  const auto words = [&] { return inWords(row.words, places, teller.context); };
-  switch (row.kind) {
-    case LineKind::received:
-      cut(teller, "the next one came");
-      teller.request = begin(EventKind::request, line);
-      teller.request->name = "without an id";
-      return;
+      return end(teller, line.millis,
+                 teller.current && teller.current->happening == EventKind::startUp ? Ending::success
+                                                                                   : Ending::answered);
     case LineKind::element:
-      teller.context.element = words();
+      teller.context.element = inWords(row.words, places, teller.context);
       return;
     case LineKind::dumpAhead:
       teller.announced = announcementOn(line.text);
       return;
+    case LineKind::ended:
+      endReport(teller);
+      return tellAlone(EventKind::end, line, row.kind, row.words);
     default:
       break;
   }
-  LogEvent* event = teller.current();
-  if (row.kind == LineKind::dump) {
-    teller.context.dump = places[0];
-    const DumpAnnouncement* announced = std::exchange(teller.announced, nullptr);
-    if (announced != nullptr && event != nullptr) addDump(*event, *announced, places[0]);
-    return;
-  }
-  if (event == nullptr) {
-    if (row.kind != LineKind::trouble) return;  // of a request that began before the log
-    LogEvent trouble = begin(EventKind::trouble, line);
-    addProblem(trouble, {trouble.line, words()});
-    return tell(std::move(trouble));
-  }
-  if (teller.context.bench && tellsTimeOut(row.words, places)) ++event->silences;
+  if (teller.current) return noteCurrent(teller, line, row, places);
+  // Any other kind is of a request that began before the log.
+  if (row.kind == LineKind::trouble)
+    tellAlone(EventKind::trouble, line, row.kind, inWords(row.words, places, teller.context));
+}
+
+/// What a line tells of the request or the start-up that the process is at.
+void LogStory::noteCurrent(Teller& teller, const LogLine& line, const LineRow& row, const Places& places) {
+  LogEvent& event = *teller.current;
+  const std::string words = inWords(row.words, places, teller.context);
+  if (teller.context.bench && tellsTimeOut(row.words, places)) ++event.silences;
   switch (row.kind) {
+    case LineKind::waits:
+      ++teller.waits;
+      return;
+    case LineKind::connected:
+      if (const auto took = millisBetween(event.began, line.millis))
+        event.addDetail(fmt::format("the modem's services were there after {}", inSeconds(*took)));
+      if (teller.waits > 0)
+        event.addDetail(fmt::format("waited {} for one, up to 1 s each", times(teller.waits)));
+      return;
+    case LineKind::notStarted:
+      event.addProblem(summary_.lines, words);
+      return end(teller, line.millis, Ending::failed);
     case LineKind::identified: {
       const uint32_t id = hexIn(places[0]);
+      if (id == kesext::kUnusableMsgId) return;
       const RequestRow* request = findRequest(places[1] == "0" ? Family::cdma : Family::generic, id);
-      event->name = request != nullptr ? request->command : "unknown";
-      if (request == nullptr) addDetail(*event, fmt::format("id 0x{:08X}", id));
-      teller.missing = 0;
+      event.name = request != nullptr ? request->command : "unknown";
+      if (request == nullptr) event.addDetail(fmt::format("id 0x{:08X}", id));
       teller.writes_nam = id == kesext::HOOK_NAM_WRITE;
       return;
     }
+    case LineKind::dump:
+      teller.context.dump = places[0];
+      if (const auto* announced = std::exchange(teller.announced, nullptr))
+        addDump(event, *announced, places[0]);
+      return;
     case LineKind::transfer:
-      if (++teller.transfers <= kTransfersMax) teller.transferred.push_back(words());
+      if (++teller.transfers <= kTransfersMax) teller.transferred.push_back(words);
       return;
     case LineKind::asks:
-      teller.asked = Problem{summary_.lines, words()};
+      teller.asked = {summary_.lines, words};
       return;
-    case LineKind::answers:
-      teller.asked.reset();
-      return;
-    case LineKind::succeeded:
-      teller.asked.reset();
-      worsen(*event, Ending::success);
-      return addDetail(*event, words());
-    case LineKind::unserved:
-      worsen(*event, Ending::notServed);
-      return addProblem(*event, {summary_.lines, words()});
-    case LineKind::failed: {
-      teller.asked.reset();
+    case LineKind::failed:
       // An item that a NAM is written into may be missing: its other bytes are zeros then.
-      if (teller.request && teller.writes_nam && line.text.starts_with("NV Read")) {
+      if (teller.writes_nam && line.text.starts_with("NV Read")) {
         ++teller.missing;
         return;
       }
-      if (teller.request) worsen(*event, Ending::failed);
-      return addProblem(*event, {summary_.lines, words()});
-    }
-    case LineKind::zeros:
-      worsen(*event, Ending::zeros);
-      return addProblem(*event, {summary_.lines, words()});
-    case LineKind::trouble:
-      return addProblem(*event, {summary_.lines, words()});
+      break;
     default:
-      return addDetail(*event, words());
+      break;
   }
+  const Effect effect = effectOf(row.kind);
+  if (effect.answers) teller.asked = {};
+  if (event.happening == EventKind::request) event.worsen(effect.ending);
+  add(event, summary_.lines, row.kind, words);
 }
 
+/// What a line tells that comes of the modem's own reports, in between the others.
 void LogStory::noteApart(Teller& teller, const LogLine& line, const LineRow& row, const Places& places) {
-  const std::string words = inWords(row.words, places, teller.context);
   if (row.kind == LineKind::indication) {
     endReport(teller);
-    teller.report = begin(EventKind::report, line);
+    teller.report = eventOf(EventKind::report, line);
     teller.report->name = indicationName(hexIn(places[0]));
-    return addDetail(*teller.report, fmt::format("{} bytes", places[1]));
+    return teller.report->addDetail(fmt::format("{} bytes", places[1]));
   }
+  const std::string words = inWords(row.words, places, teller.context);
   if (words.empty()) return;
-  if (row.kind == LineKind::report && teller.report) return addDetail(*teller.report, words);
+  const bool of_report = row.kind == LineKind::report || row.kind == LineKind::reportTrouble;
+  if (of_report && teller.report) return add(*teller.report, summary_.lines, row.kind, words);
   endReport(teller);
-  LogEvent event = begin(row.kind == LineKind::report ? EventKind::report : EventKind::modemLog, line);
-  if (row.kind == LineKind::logTrouble)
-    addProblem(event, {event.line, words});
+  tellAlone(row.kind == LineKind::report          ? EventKind::report
+            : row.kind == LineKind::reportTrouble ? EventKind::trouble
+                                                  : EventKind::modemLog,
+            line, row.kind, words);
+}
+
+/// Tells what one line says all of.
+void LogStory::tellAlone(EventKind happening, const LogLine& line, LineKind kind, std::string_view words) {
+  LogEvent event = eventOf(happening, line);
+  add(event, event.line, kind, words);
+  tell(std::move(event));
+}
+
+/// Begins a request or a start-up, which ends the one before.
+void LogStory::begin(Teller& teller, EventKind happening, const LogLine& line, std::string_view why) {
+  cut(teller, why);
+  teller = {.process = line.process, .current = eventOf(happening, line), .last_time = line.millis};
+}
+
+void LogStory::end(Teller& teller, std::optional<int64_t> now, Ending ending) {
+  if (!teller.current) return;
+  endReport(teller);
+  LogEvent event = *std::exchange(teller.current, std::nullopt);
+  event.took = millisBetween(event.began, now);
+  event.worsen(teller.asked.words.empty() ? ending : std::max(ending, Ending::failed));
+  event.addProblem(teller.asked.line, teller.asked.words);
+  if (teller.transfers > kTransfersMax)
+    event.addDetail(fmt::format("{} elements read or written", teller.transfers));
   else
-    addDetail(event, words);
-  tell(std::move(event));
-}
-
-/// A few elements with what they hold; of more, how many.
-void LogStory::addTransfers(Teller& teller, LogEvent& event) {
-  const size_t transfers = std::exchange(teller.transfers, 0);
-  const std::vector<std::string> transferred = std::exchange(teller.transferred, {});
-  if (transfers > kTransfersMax)
-    return addDetail(event, fmt::format("{} elements read or written", transfers));
-  for (const std::string& words : transferred)
-    addDetail(event, words);
-}
-
-void LogStory::endStart(Teller& teller, std::optional<int64_t> now, Ending ending) {
-  if (!teller.start_up) return;
-  endReport(teller);
-  LogEvent event = *std::exchange(teller.start_up, std::nullopt);
-  event.took = millisBetween(event.began, now);
-  event.ending = ending;
-  addTransfers(teller, event);
-  tell(std::move(event));
-}
-
-void LogStory::endRequest(Teller& teller, std::optional<int64_t> now, Ending ending) {
-  if (!teller.request) return;
-  endReport(teller);
-  LogEvent event = *std::exchange(teller.request, std::nullopt);
-  event.took = millisBetween(event.began, now);
-  worsen(event, ending);
-  if (teller.asked) {
-    addProblem(event, *teller.asked);
-    worsen(event, Ending::failed);
-  }
-  addTransfers(teller, event);
-  if (const size_t missing = std::exchange(teller.missing, 0); missing > 0)
-    addDetail(event, fmt::format("{} items were not there before", missing));
-  teller.asked.reset();
-  teller.announced = nullptr;
+    for (const std::string& words : teller.transferred)
+      event.addDetail(words);
+  if (teller.missing > 0) event.addDetail(fmt::format("{} items were not there before", teller.missing));
   tell(std::move(event));
 }
 
@@ -309,14 +274,12 @@ void LogStory::endReport(Teller& teller) {
 }
 
 void LogStory::cut(Teller& teller, std::string_view why) {
-  const auto say = [&](std::optional<LogEvent>& event, std::string_view what) {
-    if (event) addDetail(*event, fmt::format("{}: {}", what, why));
-  };
-  say(teller.request, "no answer in the log");
-  say(teller.start_up, "not ready in the log");
-  teller.asked.reset();
-  endRequest(teller, std::nullopt, Ending::cut);
-  endStart(teller, std::nullopt, Ending::cut);
+  if (teller.current) {
+    const bool request = teller.current->happening == EventKind::request;
+    teller.current->addDetail(fmt::format("{} in the log: {}", request ? "no answer" : "not ready", why));
+    teller.asked = {};
+  }
+  end(teller, std::nullopt, Ending::cut);
   endReport(teller);
 }
 
@@ -329,22 +292,15 @@ void LogStory::finish() {
 
 void LogStory::tell(LogEvent event) {
   summary_.count(event);
-  const auto same = [](const LogEvent& a, const LogEvent& b) {
-    const auto words = [](const Problem& x, const Problem& y) { return x.words == y.words; };
-    return a.happening == b.happening && a.process == b.process && a.name == b.name &&
-           a.details == b.details &&
-           std::equal(a.problems.begin(), a.problems.end(), b.problems.begin(), b.problems.end(), words);
-  };
-  if (held_ && same(*held_, event)) {
+  if (held_ && held_->isLike(event)) {
     ++held_->count;
     return;
   }
   if (held_) tell_(*std::exchange(held_, std::nullopt));
-  const bool repeats = event.happening != EventKind::request && event.happening != EventKind::startUp;
-  if (repeats)
-    held_ = std::move(event);
-  else
+  if (event.happening == EventKind::request || event.happening == EventKind::startUp)
     tell_(event);
+  else
+    held_ = std::move(event);
 }
 
 }  // namespace tools

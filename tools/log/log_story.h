@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/log/line_table.h"
@@ -29,36 +30,30 @@ class LogStory {
   [[nodiscard]] const LogSummary& summary() const { return summary_; }
 
  private:
-  /// One of the processes that write to the log.
+  /// One of the processes that write to the log, and what of it is known until its current event ends.
   struct Teller {
     int32_t process = 0;
-    std::optional<LogEvent> start_up;
-    std::optional<LogEvent> request;
+    std::optional<LogEvent> current;  // a request or its start-up
     std::optional<LogEvent> report;
+    std::optional<int64_t> last_time;  // of a line that is no report's
     LineContext context;
     const DumpAnnouncement* announced = nullptr;
-    std::optional<Problem> asked;          // of the modem, and not yet answered
+    Problem asked;                         // the modem, and it has not answered; without words otherwise
     size_t transfers = 0;                  // of elements
     std::vector<std::string> transferred;  // the first of them
     size_t waits = 0;
-    std::optional<int64_t> last_time;  // of a line that is no report's
     bool writes_nam = false;
     size_t missing = 0;  // items, when it is written
-
-    /// What the process is at: a request, its start-up, or nothing.
-    LogEvent* current() { return request ? &*request : start_up ? &*start_up : nullptr; }
   };
 
   Teller& tellerOf(int32_t process);
-  [[nodiscard]] LogEvent begin(EventKind happening, const LogLine& line) const;
+  [[nodiscard]] LogEvent eventOf(EventKind happening, const LogLine& line) const;
   void note(Teller& teller, const LogLine& line, const LineRow& row, const Places& places);
-  void noteStart(Teller& teller, const LogLine& line, const LineRow& row, const Places& places);
-  void noteRequest(Teller& teller, const LogLine& line, const LineRow& row, const Places& places);
+  void noteCurrent(Teller& teller, const LogLine& line, const LineRow& row, const Places& places);
   void noteApart(Teller& teller, const LogLine& line, const LineRow& row, const Places& places);
-  void noteSilence(Teller& teller, const LogLine& line);
-  static void addTransfers(Teller& teller, LogEvent& event);
-  void endStart(Teller& teller, std::optional<int64_t> now, Ending ending);
-  void endRequest(Teller& teller, std::optional<int64_t> now, Ending ending);
+  void tellAlone(EventKind happening, const LogLine& line, LineKind kind, std::string_view words);
+  void begin(Teller& teller, EventKind happening, const LogLine& line, std::string_view why);
+  void end(Teller& teller, std::optional<int64_t> now, Ending ending);
   void endReport(Teller& teller);
   void cut(Teller& teller, std::string_view why);
   void tell(LogEvent event);
