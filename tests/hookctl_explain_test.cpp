@@ -123,7 +123,6 @@ TEST_F(Explain, EveryFormOfALogTellsTheSame) {
       {"{0} -0130 E/RIL-KESEXT(radio:   77): {1}\n", "{0} E/Other (radio:   77): {1}\n", true, true},
       {"E/RIL-KESEXT(   77): {1}\n", "W/Other(   77): {1}\n", false, true, 0},
       {"E/RIL-KESEXT( 1001:   77): {1}\n", "E/RIL-KESEXT(text: {1}\n", false, true, 0},
-      {"E(radio:   77) {1}  (RIL-KESEXT)\n", "E(radio:   77) {1}  (Other)\n", false, true, 0},
       {"E/RIL-KESEXT: {1}\n", "E/Other   : {1}\n", false, false, 0},
       {"[ {0}    77:   78 E/RIL-KESEXT ]\n{1}\n\n", "[ {0}    79:   79 E/Other ]\n{1}\n\n", true, true},
       {"[ {0} radio:12345:12346 E/RIL-KESEXT ]\n{1}\n\n", "\n", true, true},
@@ -374,8 +373,13 @@ TEST_F(Explain, EveryTextThatTheProcessCanLogHasARowAndEveryRowSuchAText) {
     }
   }
   for (const auto rows : {tools::processLines(), tools::serviceLines(), tools::modemLines()})
-    for (const tools::LineRow& row : rows)
+    for (const tools::LineRow& row : rows) {
       EXPECT_TRUE(met.contains(&row)) << row.pattern;
+      const auto places = std::count(row.pattern.begin(), row.pattern.end(), '%');
+      EXPECT_LE(places, tools::kPlacesMax) << row.pattern;
+      for (auto place = places; place <= 9; ++place)
+        EXPECT_THAT(std::string(row.words), Not(HasSubstr(fmt::format("{{{}", place)))) << row.pattern;
+    }
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
 // Requests by name: what is sent for them, and what is said of names and arguments that are wrong.
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <csignal>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "handset/hook_records.h"

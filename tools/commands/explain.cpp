@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "core/ground/log.h"
@@ -33,8 +34,8 @@ constexpr size_t kLogLineMax = size_t{64} * 1024;  // characters
 constexpr std::string_view kOnlyFailures = "failures";
 
 constexpr const char* kExplainFooter =
-    R"(The log is a workstation's ("E RIL-KESEXT: ...") or a handset's, as logcat prints it: brief, time, threadtime,
-long, with colours or without. Lines of other processes are skipped. Each thing that happened is a line: the
+    R"(The log is a workstation's ("E RIL-KESEXT: ...") or a handset's, as logcat prints it: threadtime, which tells most,
+or time, brief, long or tag, with colours or without. Lines of other processes are skipped. Each thing that happened is a line: the
 number of its first line in the log, process and time where the log has them, how long it took, and how it ended:
 
   success              the process said so
@@ -59,16 +60,12 @@ struct ExplainOptions {
   bool json = false;
 };
 
-/// What --only takes beside the names of requests, as it stands in the story.
-struct KindRow {
-  std::string_view option;
-  std::string_view name;
-};
+/// What --only takes for a kind of events, and what one is called.
+constexpr std::pair<std::string_view, std::string_view> kKinds[] = {
+    {"start-up", "start-up"},    {"requests", "request"}, {"reports", "report"},
+    {"modem-logs", "modem log"}, {"trouble", "trouble"},  {"ends", "end"}};
 
-constexpr KindRow kKinds[] = {{"start-up", "start-up"},    {"requests", "request"}, {"reports", "report"},
-                              {"modem-logs", "modem log"}, {"trouble", "trouble"},  {"ends", "end"}};
-
-const KindRow& kindOf(const LogEvent& event) {
+const auto& kindOf(const LogEvent& event) {
   return kKinds[static_cast<size_t>(event.happening)];
 }
 
@@ -79,71 +76,76 @@ bool namesRequest(std::string_view only, std::string_view name) {
 /// Throws UsageError, with the nearest names, when there is nothing of this name.
 void checkOnly(std::string_view only) {
   std::vector<std::string_view> names{kOnlyFailures};
-  for (const KindRow& row : kKinds)
-    names.push_back(row.option);
-  for (const RequestRow& row : requestTable()) {
-    if (namesRequest(only, row.command)) return;
+  for (const auto& [option, name] : kKinds)
+    names.push_back(option);
+  const std::string kinds = fmt::format("{}", fmt::join(names, ", "));
+  for (const RequestRow& row : requestTable())
     names.push_back(row.command);
-  }
-  if (std::find(names.begin(), names.end(), only) != names.end()) return;
-  throw UsageError(
-      fmt::format("--only takes failures, start-up, requests, reports, modem-logs, trouble, ends or the "
-                  "name of a request or its first word, not '{}'{}",
-                  only, didYouMean(only, names)));
+  for (const std::string_view name : names)
+    if (namesRequest(only, name)) return;
+  throw UsageError(fmt::format("--only takes {} or the name of a request or its first word, not '{}'{}",
+                               kinds, only, didYouMean(only, names)));
 }
 
 bool isWanted(std::string_view only, const LogEvent& event) {
-  if (only.empty() || only == kindOf(event).option) return true;
+  if (only.empty() || only == kindOf(event).first) return true;
   if (only == kOnlyFailures) return event.failed();
   return event.happening == EventKind::request && namesRequest(only, event.name);
 }
 
-std::string resultOf(const LogEvent& event) {
-  if (event.happening == EventKind::request) return std::string(endingName(event.ending));
+std::string_view resultOf(const LogEvent& event) {
+  if (event.happening == EventKind::request) return endingName(event.ending);
   if (event.happening != EventKind::startUp) return "";
   if (event.ending == Ending::success) return "ready";
   return event.ending == Ending::failed ? "did not start" : "cut";
 }
 
+nlohmann::ordered_json toJson(const Problem& problem) {
+  return {{"line", problem.line}, {"text", problem.words}};
+}
+
+nlohmann::ordered_json toJson(const LogSummary::Slow& slow) {
+  return {{"line", slow.line}, {"name", slow.name}, {"took_ms", slow.took}};
+}
+
+template <typename Item>
+nlohmann::ordered_json toJson(const std::vector<Item>& items) {
+  auto list = nlohmann::ordered_json::array();
+  for (const Item& item : items)
+    list.push_back(toJson(item));
+  return list;
+}
+
 nlohmann::ordered_json toJson(const LogEvent& event) {
-  nlohmann::ordered_json object{{"event", kindOf(event).name}, {"line", event.line}};
+  nlohmann::ordered_json object{{"event", kindOf(event).second}, {"line", event.line}};
   if (event.process != 0) object["process"] = event.process;
   if (!event.time.empty()) object["time"] = event.time;
   if (event.took) object["took_ms"] = *event.took;
   if (!event.name.empty()) object["name"] = event.name;
-  if (const std::string result = resultOf(event); !result.empty()) object["result"] = result;
+  if (const std::string_view result = resultOf(event); !result.empty()) object["result"] = result;
   object["failed"] = event.failed();
   object["details"] = event.details;
-  object["problems"] = nlohmann::ordered_json::array();
-  for (const Problem& problem : event.problems)
-    object["problems"].push_back({{"line", problem.line}, {"text", problem.words}});
+  object["problems"] = toJson(event.problems);
   if (event.silences > 0) object["silences"] = event.silences;
   if (event.count > 1) object["count"] = event.count;
   return object;
 }
 
 nlohmann::ordered_json toJson(const LogSummary& summary) {
-  nlohmann::ordered_json object{{"event", "summary"},
-                                {"lines", summary.lines},
-                                {"own", summary.own},
-                                {"unknown", summary.unknown},
-                                {"starts", summary.starts},
-                                {"silences", summary.silences},
-                                {"troubles", summary.troubles},
-                                {"requests", nlohmann::ordered_json::array()},
-                                {"slowest", nlohmann::ordered_json::array()}};
-  if (summary.unknown > 0)
-    object["first_unknown"] = {{"line", summary.first_unknown.line}, {"text", summary.first_unknown.words}};
+  nlohmann::ordered_json object{{"event", "summary"},           {"lines", summary.lines},
+                                {"own", summary.own},           {"unknown", summary.unknown},
+                                {"starts", summary.starts},     {"silences", summary.silences},
+                                {"troubles", summary.troubles}, {"requests", nlohmann::ordered_json::array()},
+                                {"slowest", toJson(summary.slowest)}};
+  if (summary.unknown > 0) object["first_unknown"] = toJson(summary.first_unknown);
   for (const auto& [name, requests] : summary.requests) {
     nlohmann::ordered_json row{{"name", name}, {"count", requests.count}, {"failures", requests.failures}};
     if (requests.timed > 0) {
       row["longest_ms"] = requests.longest;
-      row["mean_ms"] = requests.total / static_cast<int64_t>(requests.timed);
+      row["mean_ms"] = requests.total / requests.timed;
     }
     object["requests"].push_back(row);
   }
-  for (const LogSummary::Slow& slow : summary.slowest)
-    object["slowest"].push_back({{"line", slow.line}, {"name", slow.name}, {"took_ms", slow.took}});
   return object;
 }
 
@@ -163,10 +165,9 @@ class Narrator {
       line += fmt::format("{:<12}  {:>8}  ", event.time.substr(blank + 1),
                           event.took ? inSeconds(*event.took) : "");
     }
-    line += fmt::format("{:<20}  ", event.happening == EventKind::report && !event.name.empty()
-                                        ? "modem: " + event.name
-                                    : event.name.empty() ? kindOf(event).name
-                                                         : event.name);
+    line += fmt::format("{:<20}  ", event.name.empty()                     ? std::string(kindOf(event).second)
+                                    : event.happening == EventKind::report ? "modem: " + event.name
+                                                                           : event.name);
     console_.happening(!event.failed(), line + text(event));
   }
   void sum(const LogSummary& summary) const;
@@ -174,7 +175,7 @@ class Narrator {
  private:
   static std::string text(const LogEvent& event) {
     std::vector<std::string> parts;
-    if (std::string result = resultOf(event); !result.empty()) parts.push_back(std::move(result));
+    if (const std::string_view result = resultOf(event); !result.empty()) parts.emplace_back(result);
     if (event.silences == 1) parts.emplace_back("THE MODEM LET 15 s PASS");
     if (event.silences > 1) parts.push_back("THE MODEM LET 15 s PASS, " + times(event.silences));
     for (const Problem& problem : event.problems)
@@ -190,34 +191,29 @@ class Narrator {
 };
 
 void Narrator::sum(const LogSummary& summary) const {
-  const auto duration = [](bool known, int64_t millis) {
-    return known ? inSeconds(millis) : std::string("-");
-  };
-  console_.section(
-      fmt::format("{:<20}  {:>8}  {:>8}  {:>9}  {:>9}", "Requests", "number", "failed", "longest", "mean"));
+  constexpr std::string_view kColumns = "{:<20}  {:>8}  {:>8}  {:>9}  {:>9}";
+  console_.section(fmt::format(kColumns, "Requests", "number", "failed", "longest", "mean"));
   for (const auto& [name, requests] : summary.requests) {
     const bool timed = requests.timed > 0;
-    const int64_t mean = timed ? requests.total / static_cast<int64_t>(requests.timed) : 0;
-    console_.happening(
-        requests.failures == 0,
-        fmt::format("{:<20}  {:>8}  {:>8}  {:>9}  {:>9}", name, requests.count, requests.failures,
-                    duration(timed, requests.longest), duration(timed, mean)));
+    console_.happening(requests.failures == 0,
+                       fmt::format(kColumns, name, requests.count, requests.failures,
+                                   timed ? inSeconds(requests.longest) : "-",
+                                   timed ? inSeconds(requests.total / requests.timed) : "-"));
   }
   if (!summary.slowest.empty()) console_.section("Slowest");
-  for (const LogSummary::Slow& slow : summary.slowest)
-    console_.happening(true,
-                       fmt::format("{:<20}  {:>8}  line {}", slow.name, inSeconds(slow.took), slow.line));
+  for (const auto& [took, line, name] : summary.slowest)
+    console_.happening(true, fmt::format("{:<20}  {:>8}  line {}", name, inSeconds(took), line));
   console_.section(fmt::format("{} lines, {} of the process, which started {}", summary.lines, summary.own,
                                times(summary.starts)));
-  if (summary.silences > 0)
-    console_.happening(false, fmt::format("The modem let 15 s pass {}.", times(summary.silences)));
-  if (summary.troubles > 0)
-    console_.happening(false,
-                       fmt::format("Something went wrong {} outside of requests.", times(summary.troubles)));
-  if (summary.unknown > 0)
-    console_.happening(false,
-                       fmt::format("{} lines are cut or not known; the first is line {}: {}", summary.unknown,
-                                   summary.first_unknown.line, summary.first_unknown.words));
+  const auto warn = [this](size_t count, const std::string& words) {
+    if (count > 0) console_.happening(false, words);
+  };
+  warn(summary.silences, fmt::format("The modem let 15 s pass {}.", times(summary.silences)));
+  warn(summary.troubles,
+       fmt::format("Something went wrong {} outside of requests.", times(summary.troubles)));
+  warn(summary.unknown,
+       fmt::format("{} lines are cut or not known; the first is line {}: {}", summary.unknown,
+                   summary.first_unknown.line, summary.first_unknown.words));
 }
 
 host::UniqueFd openLog(const std::string& file) {
@@ -244,10 +240,10 @@ void explain(const ExplainOptions& options, const Common& common) {
   story.finish();
   const LogSummary& summary = story.summary();
   if (summary.own == 0)
-    throw std::runtime_error(
-        fmt::format("the log has no line of the process: {} lines, none with the tag " KESEXT_LOG_TAG
-                    "; hookctl explain --help tells what is read",
-                    summary.lines));
+    throw std::runtime_error(fmt::format(
+        "the log has no line of the process: {} lines, none that begins as with the tag " KESEXT_LOG_TAG
+        " in logcat -v threadtime; hookctl explain --help tells what is read",
+        summary.lines));
   if (options.json)
     printJsonLine(toJson(summary));
   else

@@ -68,24 +68,6 @@ std::span<const LineRow> processLines();
 std::span<const LineRow> serviceLines();
 std::span<const LineRow> modemLines();
 
-/// Whether the words of each row name no place that its pattern does not have, and a line has room for all.
-constexpr bool areSound(std::span<const LineRow> rows) {
-  const auto isDigit = [](char character) { return character >= '0' && character <= '9'; };
-  for (const auto& [pattern, kind, words] : rows) {
-    size_t places = 0;
-    for (size_t at = pattern.find('%'); at != pattern.npos; at = pattern.find('%', at + 1)) {
-      if (at + 1 == pattern.size() || std::string_view("duxXs").find(pattern[at + 1]) > 4) return false;
-      ++places;
-    }
-    for (size_t at = 0; at + 1 < words.size(); ++at)
-      if (words[at] == '{' && isDigit(words[at + 1]) && static_cast<size_t>(words[at + 1] - '0') >= places)
-        return false;
-    const bool indexed = pattern.size() >= 2 && pattern[0] != '%' && pattern[1] != '%';
-    if (places > kPlacesMax || !indexed || pattern.front() == ' ' || pattern.back() == ' ') return false;
-  }
-  return true;
-}
-
 /// The first row of the table that a line's text is of, with what stands in its places; null when the line is
 /// not known.
 const LineRow* findLine(std::string_view text, Places& places);

@@ -124,19 +124,6 @@ std::optional<LogLine> readTagged(std::string_view text) {
   return line;
 }
 
-/// A line of the form that has the tag behind the text: "P(IDS) TEXT  (TAG)".
-std::optional<LogLine> readTaggedBehind(std::string_view text) {
-  constexpr std::string_view kBehind = "  (" KESEXT_LOG_TAG ")";
-  if (!text.ends_with(kBehind) || kPriorityLetters.find(text[0]) == std::string_view::npos || text[1] != '(')
-    return std::nullopt;
-  text.remove_suffix(kBehind.size());
-  const size_t end = text.find(") ");
-  if (end == std::string_view::npos) return std::nullopt;
-  const auto ids = lastIds(text.substr(2, end - 2));
-  if (!ids) return std::nullopt;
-  return LogLine{.text = text.substr(end + 2), .process = (*ids)[1]};
-}
-
 }  // namespace
 
 std::optional<LogLine> LogReader::read(std::string& line) {
@@ -162,7 +149,7 @@ std::optional<LogLine> LogReader::read(std::string& line) {
     return in_block_ ? block_ : std::nullopt;
   }
   std::optional<LogLine> found = readTagged(text);
-  if (!found || !found->text.starts_with(':')) return readTaggedBehind(text);
+  if (!found || !found->text.starts_with(':')) return std::nullopt;
   found->text.remove_prefix(found->text.starts_with(": ") ? 2 : 1);
   return found;
 }

@@ -1,5 +1,5 @@
-// The lines of a log that are the process's: from a workstation, or in any of the forms that logcat prints
-// with tags.
+// The lines of a log that are the process's: from a workstation, or in the forms of logcat that have the tag
+// before the text.
 #pragma once
 
 #include <cstdint>

@@ -52,33 +52,27 @@ void addDump(LogEvent& event, const DumpAnnouncement& announced, std::string_vie
   }
 }
 
-/// What a line does by its kind alone to the event that it is of.
+/// What a line does by its kind to the event that it is of.
 struct Effect {
+  LineKind kind;
   Ending ending = Ending::answered;
   bool answers = false;  // the modem did
   bool trouble = false;  // its words tell what went wrong
 };
+constexpr Effect kEffects[] = {{LineKind::answers, Ending::answered, true},
+                               {LineKind::succeeded, Ending::success, true},
+                               {LineKind::failed, Ending::failed, true, true},
+                               {LineKind::zeros, Ending::zeros, false, true},
+                               {LineKind::unserved, Ending::notServed, false, true},
+                               {LineKind::trouble, Ending::answered, false, true},
+                               {LineKind::notStarted, Ending::answered, false, true},
+                               {LineKind::reportTrouble, Ending::answered, false, true},
+                               {LineKind::logTrouble, Ending::answered, false, true}};
 
 Effect effectOf(LineKind kind) {
-  switch (kind) {
-    case LineKind::answers:
-      return {.answers = true};
-    case LineKind::succeeded:
-      return {.ending = Ending::success, .answers = true};
-    case LineKind::failed:
-      return {.ending = Ending::failed, .answers = true, .trouble = true};
-    case LineKind::zeros:
-      return {.ending = Ending::zeros, .trouble = true};
-    case LineKind::unserved:
-      return {.ending = Ending::notServed, .trouble = true};
-    case LineKind::trouble:
-    case LineKind::notStarted:
-    case LineKind::reportTrouble:
-    case LineKind::logTrouble:
-      return {.trouble = true};
-    default:
-      return {};
-  }
+  const auto* row = std::find_if(std::begin(kEffects), std::end(kEffects),
+                                 [kind](const Effect& effect) { return effect.kind == kind; });
+  return row != std::end(kEffects) ? *row : Effect{.kind = kind};
 }
 
 /// Adds the words of a line to what is told.

