@@ -5,6 +5,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -70,34 +71,43 @@ void LineReader::take(std::string_view chunk) {
 
 void LineReader::announce() const {
   changed_.notify_all();
-  if (lines_.size() > news_from_) eventfd_write(news_.get(), 1);
+  if (placeOf(news_from_) < lines_.size()) eventfd_write(news_.get(), 1);
+}
+
+size_t LineReader::placeOf(size_t from) const {
+  return std::min(from - std::min(from, forgotten_), lines_.size());
 }
 
 std::vector<StampedLine> LineReader::newLines() {
   const std::scoped_lock lock(mutex_);
   eventfd_t ignored = 0;
   eventfd_read(news_.get(), &ignored);
-  const auto from = static_cast<ptrdiff_t>(std::exchange(news_from_, lines_.size()));
-  return {lines_.begin() + from, lines_.end()};
+  const size_t from = std::exchange(news_from_, forgotten_ + lines_.size());
+  return {lines_.begin() + static_cast<ptrdiff_t>(placeOf(from)), lines_.end()};
 }
 
 size_t LineReader::count() const {
   const std::scoped_lock lock(mutex_);
-  return lines_.size();
+  return forgotten_ + lines_.size();
+}
+
+void LineReader::forget(size_t from) {
+  const std::scoped_lock lock(mutex_);
+  const size_t gone = placeOf(from);
+  lines_.erase(lines_.begin(), lines_.begin() + static_cast<ptrdiff_t>(gone));
+  forgotten_ += gone;
 }
 
 std::vector<std::string> LineReader::lines(size_t from) const {
-  const std::scoped_lock lock(mutex_);
   std::vector<std::string> texts;
-  for (size_t i = from; i < lines_.size(); ++i)
-    texts.push_back(lines_[i].text);
+  for (StampedLine& line : stampedLines(from))
+    texts.push_back(std::move(line.text));
   return texts;
 }
 
 std::vector<StampedLine> LineReader::stampedLines(size_t from) const {
   const std::scoped_lock lock(mutex_);
-  if (from >= lines_.size()) return {};
-  return {lines_.begin() + static_cast<ptrdiff_t>(from), lines_.end()};
+  return {lines_.begin() + static_cast<ptrdiff_t>(placeOf(from)), lines_.end()};
 }
 
 template <typename Matches>
@@ -105,8 +115,9 @@ std::optional<size_t> LineReader::waitForText(Matches matches, size_t from, Mill
   size_t next = from;
   std::optional<size_t> found;
   const auto foundOrEnded = [&] {
-    for (; next < lines_.size() && !found; ++next) {
-      if (matches(textOf(lines_[next].text))) found = next;
+    for (size_t at = placeOf(next); at < lines_.size() && !found; ++at) {
+      next = forgotten_ + at + 1;
+      if (matches(textOf(lines_[at].text))) found = next - 1;
     }
     return found || ended_;
   };

@@ -31,11 +31,13 @@ class LineReader {
   LineReader& operator=(const LineReader&) = delete;
   ~LineReader();
 
-  /// How many lines there are so far.
+  /// How many lines there have been so far.
   [[nodiscard]] size_t count() const;
   /// The lines from number `from` on, without their line feeds.
   [[nodiscard]] std::vector<std::string> lines(size_t from = 0) const;
   [[nodiscard]] std::vector<StampedLine> stampedLines(size_t from) const;
+  /// Lets the lines before number `from` go; the others keep their numbers.
+  void forget(size_t from);
   /// Waits for a line with this text, at number `from` or later. The text of a line is what follows its first
   /// ": ", the whole line without one. Returns the line's number, or nothing when the time passed or the pipe
   /// ended first.
@@ -60,11 +62,14 @@ class LineReader {
   ssize_t read();
   void take(std::string_view chunk);
   void announce() const;
+  /// Of what is kept, the place of line number `from`.
+  [[nodiscard]] size_t placeOf(size_t from) const;
 
   host::UniqueFd pipe_;
   host::UniqueFd stop_;
   host::UniqueFd news_;
   size_t news_from_ = 0;
+  size_t forgotten_ = 0;
   mutable std::mutex mutex_;
   mutable std::condition_variable changed_;
   std::vector<StampedLine> lines_;

@@ -87,6 +87,8 @@ class Parent {
     return log_->stampedLines(mark);
   }
   [[nodiscard]] std::vector<std::string> logs() const { return log_->lines(); }
+  /// Lets the log so far go, for whoever works on and on.
+  void forgetLogs() { log_->forget(log_->count()); }
   /// The lines since the last call, and a descriptor that can be read while there are some.
   std::vector<StampedLine> newLogs() { return log_->newLines(); }
   [[nodiscard]] int newLogsFd() const { return log_->newLinesFd(); }
