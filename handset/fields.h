@@ -31,11 +31,18 @@ inline constexpr size_t kRest = SIZE_MAX;
 /// Of the numbers of FieldKind::words, in bytes.
 inline constexpr size_t kWordSize = 4;
 
+/// How many digits a text has that is made of nothing else.
+struct DigitCount {
+  size_t least = 0;
+  size_t most = 0;  // 0: it is any text
+};
+
 struct FieldSpec {
   std::string_view name;
   size_t size;  // bytes, or kRest
   FieldKind kind;
   WhenAbsent when_absent = WhenAbsent::refused;
+  DigitCount digits = {};
 };
 
 using Fields = std::span<const FieldSpec>;

@@ -237,7 +237,7 @@ constexpr IndicationRow kIndications[] = {
     {IND_DATA_PLMN, "data-plmn", "the data PLMN changed", {}, 0},
     {IND_LTE_ERROR, "lte-error", "an LTE error", kLteErrorReport, sizeof(LteErrorIndication)},
     {IND_SIGNAL_COVERAGE, "coverage", "signal coverage", kCoverageRecord, 32},
-    {IND_TUNER, "tuner", "a tuner event; 0x81 first is forwarded", kTunerEvent, 132},
+    {IND_TUNER, "tuner", "a tuner event; one that begins with 8101 goes to the parent", kTunerEvent, 132},
 };
 
 }  // namespace

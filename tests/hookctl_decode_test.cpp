@@ -142,6 +142,96 @@ TEST_F(Decode, EveryDumpInTheProcessesLogIsAnnounced) {
     EXPECT_FALSE(object.contains("problem")) << object;
 }
 
+/// Of an unsolicited carrier value and, with rows that repeat themselves, of a request.
+TEST_F(Decode, RecordsAreReadAsToolsPrintThem) {
+  const std::string value = "0000000014000000B001000204000000000000000000000000000700000000 00";
+  const std::string utility = "1E0000020801000000000000" + std::string(540, '0');
+  const auto plain = [](std::string digits) {
+    std::erase(digits, ' ');
+    return digits;
+  };
+  struct Case {
+    const char* text;
+    const std::string& record;
+  };
+  const Case cases[] = {
+      // hexdump -C, whose characters are digits in part
+      {"00000000  00 00 00 00 14 00 00 00  b0 01 00 02 04 00 00 00  |....ab cd ef 12.|\n"
+       "00000010  00 00 00 00 00 00 00 00  00 00 07 00 00 00 00 00  |................|\n00000020\n",
+       value},
+      // xxd, xxd -g1 -c12 and xxd -p
+      {"00000000: 0000 0000 1400 0000 b001 0002 0400 0000  ab cd ..........\n"
+       "00000010: 0000 0000 0000 0000 0000 0700 0000 0000  ................\n",
+       value},
+      {"00000000: 00 00 00 00 14 00 00 00 b0 01 00 02  00 00 ..#. |..\n"
+       "0000000c: 04 00 00 00 00 00 00 00 00 00 00 00  ............\n"
+       "00000018: 00 00 07 00 00 00 00 00              ........\n",
+       value},
+      {"0000000014000000b0010002040000000000000000000000000007000000\n0000\n", value},
+      // od -A x -t x1, od -t x1, od -A d -t x1z, od -x
+      {"000000 00 00 00 00 14 00 00 00 b0 01 00 02 04 00 00 00\n"
+       "000010 00 00 00 00 00 00 00 00 00 00 07 00 00 00 00 00\n000020\n",
+       value},
+      {"0000000 00 00 00 00 14 00 00 00 b0 01 00 02 04 00 00 00\n"
+       "0000020 00 00 00 00 00 00 00 00 00 00 07 00 00 00 00 00\n0000040\n",
+       value},
+      {"0000000 00 00 00 00 14 00 00 00 b0 01 00 02 04 00 00 00  >....a b.........<\n"
+       "0000016 00 00 00 00 00 00 00 00 00 00 07 00 00 00 00 00  >................<\n0000032\n",
+       value},
+      {"0000000 0000 0000 0014 0000 01b0 0200 0004 0000\n0000020 0000 0000 0000 0000 0000 0007 0000 0000\n",
+       value},
+      // other tools' columns, source text and digits in a row
+      {"0000   00 00 00 00 14 00 00 00 b0 01 00 02 04 00 00 00   ....ab..........\n"
+       "0010   00 00 00 00 00 00 00 00 00 00 07 00 00 00 00 00   ................\n",
+       value},
+      {"0x00, 0x00, 0x00, 0x00, 0x14, 0x00, 0x00, 0x00, 0xB0, 0x01, 0x00, 0x02,  # a value\n"
+       "  0x04, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,\n"
+       "  0x00,0x00,0x07,0x00,0x00,0x00,0x00,0x00\n",
+       value},
+      {"00:00:00:00:14:00:00:00:b0:01:00:02:04:00:00:00:00:00:00:00:00:00:00:00:00:00:07:00:00:00:00:00\n",
+       value},
+      // rows that are the same
+      {"00000000  1e 00 00 02 08 01 00 00  00 00 00 00 00 00 00 00  |................|\n"
+       "00000010  00 00 00 00 00 00 00 00  00 00 00 00 00 00 00 00  |................|\n*\n"
+       "00000110  00 00 00 00 00 00 00 00  00 00                    |..........|\n0000011a\n",
+       utility},
+      {"0000000 1e 00 00 02 08 01 00 00 00 00 00 00 00 00 00 00\n"
+       "0000020 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n*\n"
+       "0000420 00 00 00 00 00 00 00 00 00 00\n0000432\n",
+       utility},
+  };
+  for (const Case& c : cases) {
+    const std::string text = c.text;
+    for (const std::string& input : {text, "# twice\n" + text + text}) {
+      const std::vector<ordered_json> records = DecodeJson({}, input);
+      EXPECT_EQ(records.size(), input == text ? 1U : 2U) << input;
+      for (const ordered_json& record : records) {
+        EXPECT_EQ(record["hex"], plain(c.record)) << text;
+        EXPECT_FALSE(record.contains("problem")) << record["problem"];
+      }
+    }
+  }
+}
+
+TEST_F(Decode, ALogMayHaveAnyForm) {
+  const std::string dump = "HexDump: Data BC0000020400000000000000000000000000070000000000";
+  for (const std::string& line : std::vector<std::string>{
+           "E/RIL-KESEXT(   77): " + dump, "03-14 09:30:00.100   77   78 E RIL-KESEXT: " + dump,
+           "03-14 09:30:00.100 E/RIL-KESEXT(   77): " + dump,
+           "[ 03-14 09:30:00.100    77:   78 E/RIL-KESEXT ]\n" + dump,
+           "[ 03-14 09:30:00.100    12:   12 I/Other ]\nabcd\n\n[ 03-14 09:30:00.100    77:   78 "
+           "E/RIL-KESEXT "
+           "]\n" +
+               dump,
+           "\x1b[38;5;196m03-14 09:30:00.100  77  78 E RIL-KESEXT: " + dump + "\x1b[0m",
+           "03-14 09:30:00.100  77  78 I Other: 0102\n" + dump}) {
+    const std::vector<ordered_json> records = DecodeJson({}, line + "\n");
+    ASSERT_EQ(records.size(), 1U) << line;
+    EXPECT_EQ(records[0]["fields"][4]["value"], 7) << line;
+    EXPECT_FALSE(records[0].contains("problem")) << line;
+  }
+}
+
 TEST_F(Decode, RecordsStandOnALineInSeveralWordsOrInBlocks) {
   const std::string plmn = "00 0A0006 00000004\n36017800\n";
   EXPECT_EQ(RunTool({"decode", "000A0006", "00000004", "3601 7800"}).status, 0);

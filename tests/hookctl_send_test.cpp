@@ -3,6 +3,9 @@
 
 #include <csignal>
 #include <nlohmann/json.hpp>
+#include <regex>
+#include <set>
+#include <sstream>
 
 #include "handset/hook_records.h"
 #include "support/schema.h"
@@ -68,6 +71,8 @@ TEST_F(Send, ArgumentsStandInTheRequestByOrderOrName) {
        cdmaRequest(0x02000015, handset::nvPayload(10017, 0, 2, 2, hex("6162")))},
       {{"utility", "1", "0102"}, cdmaRequest(0x0200001E, concat(le32(1), le32(2), hex("0102")), 264)},
       {{"raw", "03", "05"}, hex("0305")},
+      {{"force", "akey", "write", "12AB"}, cdmaRequest(0x02000013, hex("31324142"))},
+      {{"--force", "nam", "write", "mdn=5-5"}, cdmaRequest(0x02000002, hex("352D35"), 104)},
   };
   for (const auto& [words, request] : cases) {
     const nlohmann::json sent = sendJson(words);
@@ -88,11 +93,17 @@ TEST_F(Send, WhatIsWrongIsSaidWithWhatWouldBeRight) {
       {{"bsr-timer", "set", "-1"}, "timer takes a number from 0"},
       {{"bsr-timer", "get", "1"}, "bsr-timer get does not take '1'; it takes [spc=6 characters, or none]"},
       {{"nam", "write", "mnd=1"}, "did you mean mdn"},
-      {{"nam", "write", "mdn=12345678901234567"}, "mdn takes text of up to 16 characters"},
       {{"nam", "write", "mdn=1", "mdn=2"}, "mdn is given twice"},
       {{"spc", "validate", "spc=12345"}, "spc takes 6 characters, or none"},
       {{"rde", "write", "1", "0G"}, "data takes bytes as hexadecimal digits, text:CHARACTERS or @FILE"},
       {{"rde", "write", "1", "@/nowhere"}, "the file /nowhere cannot be read"},
+      {{"plm", "310", "120"}, "there is no request 'plm'; did you mean plmn"},
+      {{"nam", "write", "min=6195551234", "mcc=310", "imsi11_12=12"}, "nam write needs imsiT (15 digits)"},
+      {{"nam", "write", "6195551234", "12", "310", "31012012345678"},
+       "imsiT takes 15 digits, not '31012012345678'; 'force' before"},
+      {{"nam", "write", "mdn=555-1234"}, "mdn takes up to 15 digits"},
+      {{"akey", "write", "1234567890123456789012345"}, "akey takes 26 digits"},
+      {{"force"}, "a request is NAME [ARGUMENT ...] or raw HEX"},
       {{"raw"}, "raw takes 1 to 17408 bytes"},
       {{"--root", "/proc/nowhere", "nam", "read"}, "/proc/nowhere"},
   };
@@ -107,12 +118,24 @@ TEST_F(Send, WhatIsWrongIsSaidWithWhatWouldBeRight) {
   EXPECT_THAT(RunTool({"tuor"}).err, HasSubstr("did you mean tour?"));
 }
 
+TEST_F(Send, WhatIsShownIsAsWideAsItNeedsToBe) {
+  std::istringstream list(RunTool({"send", "--list"}).out);
+  for (std::string line; std::getline(list, line);)
+    EXPECT_LE(line.size(), 80U) << line;
+  std::istringstream answer(RunTool({"send", "engineering", "cp"}).out);
+  std::set<size_t> values;
+  for (std::string line; std::getline(answer, line);)
+    if (std::smatch field; std::regex_search(line, field, std::regex(R"([0-9A-F]{2}  +\w+ +(?=[^ ]+$))")))
+      values.insert(static_cast<size_t>(field.position() + field.length()));
+  EXPECT_EQ(values.size(), 2U);  // the request's and the answer's, whose names are longer
+}
+
 TEST_F(Send, TheModemCanBeToldWhatToAnswer) {
   const auto answer = [](const std::string& line) {
     return sendJson({"--modem", line, "sysinfo-filter", "1"})["answer"]["hex"].get<std::string>();
   };
   EXPECT_EQ(answer("restore utility"), "0005001E0100000000");
-  EXPECT_EQ(answer("fail utility 90"), "0005001E0100000005");
+  EXPECT_EQ(answer("fail utility 90  # the link"), "0005001E0100000005");
   EXPECT_THAT(RunTool({"send", "--modem", "fail utilty 90", "pfp"}).err, HasSubstr("did you mean utility?"));
 }
 

@@ -1,18 +1,27 @@
 // What holds for hookctl as a whole, and its commands that go on until they are ended.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
 
+#include "handset/line_reader.h"
+#include "support/terminal.h"
 #include "support/tool_test.h"
 
 namespace kesext_test {
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
+using ::testing::StartsWith;
 
 class Hookctl : public ToolTest {
  protected:
@@ -44,10 +53,73 @@ TEST_F(Hookctl, AModemAloneServesOthersAndDoesWhatItIsTold) {
 }
 
 TEST_F(Hookctl, TheScreensAreShownAsOftenAsAsked) {
-  const ToolResult result = RunTool({"watch", "--count", "2", "--every", "0.05"});
+  const ToolResult result = RunTool({"watch", "--count", "2", "--every", "0.001"});
   EXPECT_EQ(result.status, 0);
-  EXPECT_THAT(result.out, MatchesRegex("Call processing\n.*SID  +4183.*EVDO\n.*pilot PN  +168.*"
-                                       "Call processing\n.*EVDO\n.*"));
+  EXPECT_THAT(result.out, MatchesRegex("Serving +sid +4183 .*EVDO .*pilotPn +168.*\n\nServing .*EVDO .*"));
+  const ToolResult refused = RunTool({"watch", "--count", "0"});
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_THAT(refused.err, HasSubstr("--count: takes 1 or more; without it the screens go on until Ctrl-C"));
+}
+
+/// What stands between two erasures of the window's rest, row by row.
+std::vector<std::string> NextScreen(Terminal& terminal) {
+  EXPECT_TRUE(terminal.shows("\x1b[J"));
+  std::vector<std::string> rows;
+  std::istringstream text(terminal.passed());
+  for (std::string row; std::getline(text, row, '\n');) {
+    EXPECT_TRUE(row.ends_with("\x1b[K\r")) << row;
+    rows.push_back(row.substr(0, row.find("\x1b[K")));
+  }
+  EXPECT_TRUE(!rows.empty() && rows[0].starts_with("\x1b[H"));
+  if (!rows.empty()) rows[0].erase(0, 3);
+  return rows;
+}
+
+TEST_F(Hookctl, TheScreensAreDrawnInPlaceForTheWindowThatThereIs) {
+  Terminal terminal({"watch", "--every", "0.001"});
+  struct Case {
+    unsigned short columns, rows;
+    const char* first;
+    const char* last;
+  };
+  const Case cases[] = {{80, 24, "Serving      sid ", "EVDO sector  sectorIds  zeros"},
+                        {40, 10, "Serving      sid 4183  nid 65535", "... 25 more rows in a larger window"},
+                        {39, 10, "This window has 39 columns and 10 rows;", "watch needs 40 and 10."}};
+  for (const Case& c : cases) {
+    terminal.resize(c.columns, c.rows);
+    std::vector<std::string> rows;
+    for (int tries = 0; tries < 100 && (rows.empty() || rows.back() != c.last); ++tries)
+      rows = NextScreen(terminal);
+    ASSERT_FALSE(rows.empty());
+    EXPECT_THAT(rows.front(), StartsWith(c.first));
+    EXPECT_EQ(rows.back(), c.last);
+    EXPECT_LT(rows.size(), c.rows);
+    for (const std::string& row : rows)
+      EXPECT_LE(row.size(), c.columns) << row;
+  }
+  terminal.type("\x03");
+  EXPECT_EQ(terminal.waitForEnd(), 128 + SIGINT);
+}
+
+TEST_F(Hookctl, LinesOfALogThatAreLetGoLeaveTheOthersTheirNumbers) {
+  int ends[2];
+  ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+  host::UniqueFd in(ends[1]);
+  handset::LineReader reader{host::UniqueFd(ends[0])};
+  const auto write = [&](std::string_view text) {
+    EXPECT_EQ(::write(in.get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  };
+  for (size_t round = 0; round < 100; ++round) {
+    write("E TAG: first\nE TAG: second\n");
+    EXPECT_EQ(reader.waitFor("second", 2 * round, handset::kTimeout), 2 * round + 1);
+    EXPECT_THAT(reader.lines(), ElementsAre("E TAG: first", "E TAG: second"));
+    EXPECT_THAT(reader.lines(2 * round + 1), ElementsAre("E TAG: second"));
+    EXPECT_EQ(reader.newLines().size(), 2U);
+    reader.forget(reader.count());
+    EXPECT_EQ(reader.count(), 2 * round + 2);
+    EXPECT_TRUE(reader.lines().empty());
+    EXPECT_TRUE(reader.newLines().empty());
+  }
 }
 
 TEST_F(Hookctl, AScreenWithoutDataSaysSo) {
@@ -58,6 +130,59 @@ TEST_F(Hookctl, AScreenWithoutDataSaysSo) {
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.out, HasSubstr("(no data from the modem: qmi_client_send_msg_sync failed (90).)"));
   modem.signal(SIGINT);
+}
+
+TEST_F(Hookctl, HelpVersionAndFolderCanBeHadInTheUsualWays) {
+  for (const std::string command : {"send", "completion"})
+    EXPECT_EQ(RunTool({"help", command}).out, RunTool({command, "--help"}).out);
+  EXPECT_EQ(RunTool({"help"}).out, RunTool({"--help"}).out);
+  const ToolResult unknown = RunTool({"help", "sned"});
+  EXPECT_EQ(unknown.status, 2);
+  EXPECT_THAT(unknown.err, HasSubstr("did you mean send?"));
+  EXPECT_THAT(RunTool({"--version"}).out, MatchesRegex("hookctl [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+  setenv("HOOKCTL_ROOT", root_.c_str(), 1);
+  RunTool({"send", "rde", "write", "10017", "0102"});
+  unsetenv("HOOKCTL_ROOT");
+  EXPECT_TRUE(std::filesystem::exists(root_));
+}
+
+TEST_F(Hookctl, ABashThatSourcesTheScriptCompletesCommandLines) {
+  struct Case {
+    const char* line;
+    const char* words;
+  };
+  const Case cases[] = {
+      {"hookctl wa", "watch "},
+      {"hookctl --colour never sh", "shell "},
+      {"hookctl send --mo", "--modem "},
+      {"hookctl send --root /tmp bsr-timer s", "set "},
+      {"hookctl send plmn mcc=1 ", "mnc= "},
+      {"hookctl send force akey write spc=1 a", "akey= "},
+      {"hookctl send --modem \"fail rde-r", "fail rde-read "},
+      {"hookctl help pl", "play "},
+      {"hookctl completion ", "bash fish zsh "},
+      {"hookctl play sce", ""},
+      {"hookctl bogus ", ""},
+  };
+  for (const Case& c : cases) {
+    const std::string script = std::string("source <(" KESEXT_HOOKCTL " completion bash); COMP_LINE='") +
+                               c.line +
+                               "'; COMP_POINT=${#COMP_LINE}; _hookctl " KESEXT_HOOKCTL
+                               " 2>/dev/null; printf '%s ' \"${COMPREPLY[@]}\" > " +
+                               temporary_ + "/words";
+    EXPECT_EQ(std::system(("bash -c '" + std::regex_replace(script, std::regex("'"), "'\\''") + "'").c_str()),
+              0);
+    std::ifstream words(temporary_ + "/words");
+    const std::string found{std::istreambuf_iterator<char>(words), {}};
+    EXPECT_EQ(found, *c.words == 0 ? " " : c.words) << c.line;
+  }
+  for (const std::string shell : {"zsh", "fish"}) {
+    const std::string check = "! command -v " + shell + " >/dev/null || " KESEXT_HOOKCTL " completion " +
+                              shell + " | " + shell + " -n /dev/stdin";
+    EXPECT_EQ(std::system(check.c_str()), 0);
+  }
+  EXPECT_THAT(RunTool({"completion"}).err, HasSubstr("completion takes bash, zsh or fish"));
+  std::filesystem::remove(temporary_ + "/words");
 }
 
 TEST_F(Hookctl, CtrlCLeavesNothingWhateverItIsAt) {

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "support/sample_records.h"
+#include "tools/records/engineering_screen.h"
 #include "tools/records/field_value.h"
 
 namespace kesext_test {
@@ -147,6 +148,26 @@ TEST(RecordDecoding, AnAnswerIsReadByWhatItIsMadeOf) {
   const DecodedRecord foreign =
       decodeAs(answer, cdmaResponse(0x020000BC, 0, Bytes(4)), cdmaRequest(0x020000BD));
   EXPECT_EQ(foreign.problem->offset, 0U);
+}
+
+TEST(RecordDecoding, EveryFieldOfTheReportsIsOnTheScreens) {
+  const auto report = [](uint32_t id) {
+    const tools::RequestRow& row = *tools::findRequest(tools::Family::cdma, id);
+    return tools::EngineeringReport{decodeAs(answer, SampleAnswer(row)), ""};
+  };
+  const tools::EngineeringReport reports[] = {report(0x02000011), report(0x02000012)};
+  for (const bool aligned : {false, true}) {
+    std::string screen;
+    for (const std::string& row : tools::engineeringRows(reports[0], reports[1], 60, aligned)) {
+      EXPECT_LE(row.size(), 60U);
+      screen += row + "\n";
+    }
+    for (const tools::EngineeringReport& shown : reports)
+      for (size_t i = 4; i + 1 < shown.answer.fields.size(); ++i) {
+        const std::string& name = shown.answer.fields[i].name;
+        EXPECT_TRUE(name == "reserved" || screen.find(name + ' ') != std::string::npos) << name;
+      }
+  }
 }
 
 TEST(RecordDecoding, ValuesShowWhatStandsInTheBytes) {

@@ -2,54 +2,36 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <string>
-#include <string_view>
 #include <system_error>
-#include <vector>
 
 #include "tools/bench/interruption.h"
 #include "tools/commands/commands.h"
 #include "tools/text/usage_error.h"
-#include "tools/text/words.h"
 
 namespace {
 
 using namespace tools;
 
 constexpr const char* kDescription =
-    "Works at a bench with qmi_kesext_hook: starts it beside a simulated modem in a handset folder, sends "
-    "it\n"
-    "requests by name, shows what comes back in words, and makes the modem misbehave.";
+    R"(Works at a bench with qmi_kesext_hook: starts it beside a simulated modem in a handset folder, sends it
+requests by name, shows what comes back in words, and makes the modem misbehave.)";
 
-constexpr const char* kExamples =
-    "Examples:\n"
-    "  hookctl tour                        everything at work, each answer held against what it should be\n"
-    "  hookctl send rde read 10017         one request; its answer field by field\n"
-    "  hookctl send --json bsr-timer set 30\n"
-    "  hookctl shell                       a prompt: requests, what the modem does, messages as they come\n"
-    "  hookctl play scenarios/provisioning.json\n"
-    "  hookctl decode < logcat.txt         the records in a log, field by field\n"
-    "  hookctl explain logcat.txt          what happened, request by request, and what went wrong\n"
-    "\n"
-    "The status is 0 when all was as it should be, 1 when not, 2 when the command line was wrong.\n"
-    "hookctl COMMAND --help tells more; hookctl send --list tells the requests.";
+constexpr const char* kExamples = R"(Examples:
+  hookctl tour                        everything at work, each answer held against what it should be
+  hookctl send rde read 10017         one request; its answer field by field
+  hookctl send --json bsr-timer set 30
+  hookctl shell                       a prompt: requests, what the modem does, messages as they come
+  hookctl play scenarios/provisioning.json
+  hookctl decode < logcat.txt         the records in a log, field by field
+  hookctl explain logcat.txt          what happened, request by request, and what went wrong
 
-/// Throws UsageError, with the nearest names, when the first word names no command.
-void checkCommand(const CLI::App& tool, std::string_view word) {
-  if (word.starts_with('-')) return;
-  std::vector<std::string> names;
-  for (const CLI::App* command : tool.get_subcommands({}))
-    names.push_back(command->get_name());
-  if (std::find(names.begin(), names.end(), word) != names.end()) return;
-  const std::vector<std::string_view> views(names.begin(), names.end());
-  throw UsageError(fmt::format("there is no command '{}'{}; hookctl --help tells what there is", word,
-                               didYouMean(word, views)));
-}
+The status is 0 when all was as it should be, 1 when not, 2 when the command line was wrong. HOOKCTL_ROOT
+stands for --root. hookctl help COMMAND tells more; hookctl send --list tells the requests.)";
 
 int run(int argc, char** argv) {
   CLI::App tool{kDescription, "hookctl"};
@@ -59,6 +41,7 @@ int run(int argc, char** argv) {
     return fmt::format("hookctl: {}; hookctl COMMAND --help tells what there is\n", error.what());
   });
   tool.fallthrough();
+  tool.set_version_flag("--version", "hookctl " HOOKCTL_VERSION);
   Common common{.executable =
                     std::filesystem::read_symlink("/proc/self/exe").parent_path() / "qmi_kesext_hook"};
   tool.add_option("--executable", common.executable, "the process, instead of the one beside this tool")
@@ -68,9 +51,10 @@ int run(int argc, char** argv) {
       ->transform(oneOf({"auto", "always", "never"}))
       ->option_text("WHEN");
   for (const auto add : {addTourCommand, addShellCommand, addSendCommand, addDecodeCommand, addExplainCommand,
-                         addPlayCommand, addModemCommand, addWatchCommand})
+                         addPlayCommand, addModemCommand, addWatchCommand, addHelpCommand,
+                         addCompletionCommand})
     add(tool, common);
-  if (argc > 1) checkCommand(tool, argv[1]);
+  if (argc > 1 && *argv[1] != '-') findCommand(tool, argv[1]);
   try {
     tool.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -7,12 +7,13 @@
 #include "handset/bytes.h"
 #include "handset/hook_records.h"
 #include "tools/records/encode.h"
-#include "tools/records/record_kind.h"
+#include "tools/records/decode.h"
 
 namespace kesext_test {
 
-inline std::string SampleArgument(tools::FieldKind kind) {
-  switch (kind) {
+inline std::string SampleArgument(const tools::FieldSpec& field) {
+  if (field.digits.most > 0) return std::string(field.digits.most, '1');
+  switch (field.kind) {
     case tools::FieldKind::bytes:
       return "0102";
     case tools::FieldKind::words:
@@ -34,9 +35,9 @@ inline std::string SampleArgument(tools::FieldKind kind) {
 inline handset::Bytes SamplePayload(tools::Fields fields) {
   std::vector<std::string> words;
   for (const tools::FieldSpec& field : fields)
-    if (field.when_absent == tools::WhenAbsent::refused) words.push_back(SampleArgument(field.kind));
+    if (field.when_absent == tools::WhenAbsent::refused) words.push_back(SampleArgument(field));
   if (words.empty() && !fields.empty())
-    words.push_back(std::string(fields[0].name) + "=" + SampleArgument(fields[0].kind));
+    words.push_back(std::string(fields[0].name) + "=" + SampleArgument(fields[0]));
   return tools::encodeFields("sample", fields, words);
 }
 

@@ -33,8 +33,7 @@ Terminal::Terminal(const std::vector<std::string>& arguments)
   unlockpt(screen_.get());
   const std::string line = ptsname(screen_.get());
   own_line_ = host::UniqueFd(open(line.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
-  const winsize size{.ws_row = 24, .ws_col = 80, .ws_xpixel = 0, .ws_ypixel = 0};
-  ioctl(own_line_.get(), TIOCSWINSZ, &size);
+  resize(80, 24);
   tcgetattr(own_line_.get(), &modes_);
   setenv("TERM", "xterm", 1);
 
@@ -52,6 +51,11 @@ Terminal::~Terminal() {
   if (pid_ < 0) return;
   kill(pid_, SIGKILL);
   waitpid(pid_, nullptr, 0);
+}
+
+void Terminal::resize(unsigned short columns, unsigned short rows) {
+  const winsize size{.ws_row = rows, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
+  ioctl(own_line_.get(), TIOCSWINSZ, &size);
 }
 
 void Terminal::type(std::string_view keys) {

@@ -14,13 +14,14 @@ namespace kesext_test {
 
 class Terminal {
  public:
-  /// Starts `hookctl ARGUMENTS` on a terminal of 80 columns.
+  /// Starts `hookctl ARGUMENTS` on a terminal of 80 columns and 24 rows.
   explicit Terminal(const std::vector<std::string>& arguments);
   Terminal(const Terminal&) = delete;
   Terminal& operator=(const Terminal&) = delete;
   /// Kills the tool if it still runs.
   ~Terminal();
 
+  void resize(unsigned short columns, unsigned short rows);
   void type(std::string_view keys);
   /// Waits for a text behind the one that the last successful call found; what is between is returned by
   /// passed(). False when it does not come.

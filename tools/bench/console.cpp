@@ -26,6 +26,9 @@ constexpr size_t kBytesPerRow = 8;
 /// Rows of bytes that a field is shown with at most.
 constexpr size_t kRowsPerField = 4;
 
+/// Keeps records with short names in line with one another.
+constexpr size_t kUsualName = 12;
+
 /// Of the tool, as near as matters.
 const handset::Instant kStart = std::chrono::steady_clock::now();
 
@@ -90,6 +93,9 @@ void Console::record(std::string_view direction, const DecodedRecord& decoded, h
   fmt::print("{}{:<8} {}  {}({} bytes{}){}\n", margin(moment.time), direction, decoded.title, paint(kDim),
              bytes.size(), took, paint(kPlain));
   const std::string left = margin();
+  size_t width = kUsualName;
+  for (const DecodedField& field : decoded.fields)
+    width = std::max(width, field.name.size());
   for (const DecodedField& field : decoded.fields) {
     const handset::ByteView all = bytes.subspan(field.offset, field.size);
     const handset::ByteView shown = all.first(std::min(all.size(), kRowsPerField * kBytesPerRow));
@@ -97,7 +103,7 @@ void Console::record(std::string_view direction, const DecodedRecord& decoded, h
       const auto row = shown.subspan(at, std::min(kBytesPerRow, shown.size() - at));
       fmt::print("{}  {}{:5}{}  {:<23}", left, paint(kDim), field.offset + at, paint(kPlain),
                  handset::toHex(row));
-      if (at == 0) fmt::print("  {:<12} {}", field.name, field.value);
+      if (at == 0) fmt::print("  {:<{}} {}", field.name, width, field.value);
       fmt::print("\n");
     }
     if (shown.size() < all.size())

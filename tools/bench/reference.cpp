@@ -6,10 +6,14 @@
 #include "tools/bench/modem_control.h"
 #include "tools/records/encode.h"
 #include "tools/records/record_table.h"
+#include "tools/text/window.h"
 
 namespace tools {
 
 namespace {
+
+/// Of what stands behind a request's name.
+constexpr size_t kIndent = 32;
 
 std::string idOf(const RequestRow& row) {
   return row.family == Family::cdma ? fmt::format("0x{:08X}", row.id) : fmt::format("0x{:06X}", row.id);
@@ -26,9 +30,9 @@ std::string requestReference(std::string_view name) {
   std::string text;
   for (const RequestRow& row : requestTable()) {
     if (!namedBy(row.command, name)) continue;
-    text += fmt::format("  {:<10} {:<18} {}\n", idOf(row), row.command, row.name);
-    if (const std::string takes = argumentHelp(row); !takes.empty())
-      text += fmt::format("  {:<29} {}\n", "", takes);
+    text += fmt::format("  {:<10} {:<18} {}", idOf(row), row.command,
+                        wrapped(splitWords(row.name), kIndent).substr(kIndent));
+    text += wrapped(argumentHelp(row), kIndent);
   }
   return text;
 }
@@ -44,7 +48,7 @@ std::string modemNamesReference() {
   std::string text = "An INDICATION is one of\n";
   for (const handset::IndicationRow& row : handset::indicationTable()) {
     text += fmt::format("  {:<14} {}\n", row.name, row.help);
-    if (!row.fields.empty()) text += fmt::format("  {:<14} {}\n", "", argumentHelp(row.fields));
+    text += wrapped(argumentHelp(row.fields), 17);
   }
   for (const PackageRow& row : packageTable())
     text += fmt::format("  {:<14} {}\n  {:<14} PACKAGE BYTES\n", row.name, row.help, "");

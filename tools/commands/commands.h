@@ -13,19 +13,29 @@ inline constexpr int kStatusGood = 0;
 inline constexpr int kStatusWrong = 1;
 inline constexpr int kStatusUsage = 2;
 
-inline constexpr const char* kTimesHelp = "what is shown begins with its time: seconds since the start";
-
-inline constexpr const char* kTraceHelp = "also what the modem is asked and answers, and what it indicates";
-
-/// What all commands share.
+/// What all commands go by.
 struct Common {
   std::string executable;  // the process
   ColourWhen colour = ColourWhen::automatic;
   int status = kStatusGood;
 };
 
+/// Throws UsageError, with the nearest names, when there is no such command.
+CLI::App& findCommand(const CLI::App& tool, const std::string& name);
+
 /// Of an option that takes one of these names: stores the name's place among them.
 CLI::Validator oneOf(std::vector<std::string> names);
+
+/// The options that several commands have, and where they go; a command without one leaves it out.
+struct SharedOptions {
+  std::string* root = nullptr;
+  int* instance = nullptr;
+  bool* trace = nullptr;
+  bool* times = nullptr;
+};
+
+/// Adds these; gives --root back, for whom it is needed.
+CLI::Option* addShared(CLI::App& command, const SharedOptions& options);
 
 void addTourCommand(CLI::App& tool, Common& common);
 void addPlayCommand(CLI::App& tool, Common& common);
@@ -35,5 +45,7 @@ void addExplainCommand(CLI::App& tool, Common& common);
 void addModemCommand(CLI::App& tool, Common& common);
 void addWatchCommand(CLI::App& tool, Common& common);
 void addShellCommand(CLI::App& tool, Common& common);
+void addHelpCommand(CLI::App& tool, Common& common);
+void addCompletionCommand(CLI::App& tool, Common& common);
 
 }  // namespace tools

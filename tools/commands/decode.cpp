@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <map>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -16,9 +15,10 @@
 #include "tools/bench/record_json.h"
 #include "tools/commands/commands.h"
 #include "tools/log/log_dumps.h"
+#include "tools/log/log_lines.h"
 #include "tools/records/encode.h"
 #include "tools/records/field_value.h"
-#include "tools/records/record_kind.h"
+#include "tools/text/hex_text.h"
 #include "tools/text/input_lines.h"
 #include "tools/text/usage_error.h"
 
@@ -28,34 +28,29 @@ namespace {
 
 using handset::Bytes;
 
-/// Far above any record's digits; keeps what is held of a log small.
-constexpr size_t kTextMax = size_t{128} * 1024;  // characters
-
 constexpr FieldSpec kDigitsSoFar[] = {{"digits", kRest, FieldKind::bytes}};
 
-constexpr const char* kFooter =
-    "Standard input is hexadecimal digits, a record on each line, or several lines a record with --blocks; "
-    "blanks do not\n"
-    "matter. Or it is a log: from the first line with a priority and a tag on (\"E RIL-KESEXT: ...\"), only "
-    "the\n"
-    "\"HexDump: Data ...\" lines count. What such a dump is, the line before it tells; where that is "
-    "missing, "
-    "its bytes do.\n\n"
-    "Without --as the bytes tell the kind: ids, lengths and zeros stand elsewhere in each. What an answer is "
-    "made of, its\n"
-    "id tells; only the answer to data-plmn has no header, so that needs --request data-plmn.\n\n"
-    "With --json each record is an object on a line of its own: what 'send --json' has, \"kind\", \"line\" "
-    "and "
-    "\"may_be\", the\n"
-    "kind that it could be as well. Where a record does not parse, \"problem\" and \"problem_offset\" tell "
-    "from which byte on,\n"
-    "or from which character on when kind is \"text\".\n\n"
-    "The status is 1 when a record did not parse, or none was there.\n\n"
-    "Examples:\n"
-    "  hookctl decode BD000002 04000000 00000000 000000000000 1E000000\n"
-    "  adb logcat -d | hookctl decode\n"
-    "  xxd -p answer.bin | hookctl decode --blocks --as answer\n"
-    "  hookctl decode --request data-plmn < plmn.hex";
+constexpr const char* kDecodeFooter =
+    R"(Standard input is a record on each line, as hexadecimal digits in any grouping, with blanks, commas, colons
+and 0x; or what hexdump -C, xxd, xxd -p or od -A x -t x1 print, whose rows go on as long as their offsets
+do; with --blocks a record goes on until an empty line. A '#' begins a comment. Or it is a log, in any form of logcat:
+from the first line with a priority and a tag on, only the "HexDump: Data ..." lines count. What such a
+dump is, the line before it tells; where that is missing, its bytes do.
+
+Without --as the bytes tell the kind: the one that they parse as. What an answer is made of, its id tells;
+only the answer to data-plmn has no header, so that needs --request data-plmn.
+
+With --json each record is an object on a line of its own: what 'send --json' has, "kind", "line" and
+"may_be", the kind that it could be as well. Where a record does not parse, "problem" and "problem_offset"
+tell from which byte on, or from which character on when kind is "text".
+
+The status is 1 when a record did not parse, or none was there.
+
+Examples:
+  hookctl decode BD000002 04000000 00000000 000000000000 1E000000
+  adb logcat -d | hookctl decode
+  xxd answer.bin | hookctl decode --as answer
+  hookctl decode --request data-plmn < plmn.hex)";
 
 struct DecodeOptions {
   std::vector<std::string> words;
@@ -73,40 +68,35 @@ struct Interpretation {
   DecodedRecord decoded;
 };
 
-/// The bytes of hexadecimal digits up to where they are none.
-std::pair<Bytes, std::optional<RecordProblem>> readDigits(std::string_view text) {
-  constexpr std::string_view kDigits = "0123456789abcdefABCDEF";
-  constexpr std::string_view kBlanks = " \t\r\n";
-  const size_t size = std::min(text.size(), kTextMax);
-  std::string digits;
-  for (size_t at = 0; at < size; ++at) {
-    if (kBlanks.find(text[at]) != std::string_view::npos) continue;
-    if (kDigits.find(text[at]) == std::string_view::npos) {
-      const Bytes wrong = handset::bytesOf(text.substr(at, 1));
-      digits.resize(digits.size() / 2 * 2);
-      return {handset::hex(digits),
-              RecordProblem{at, "in the text, " + quoted(wrong) + " is no hexadecimal digit"}};
-    }
-    digits += text[at];
-  }
-  const bool odd = digits.size() % 2 != 0;
-  if (odd) digits.pop_back();
-  if (text.size() > kTextMax)
-    return {handset::hex(digits), RecordProblem{kTextMax, "in the text, more follows than any record has"}};
-  if (odd)
-    return {handset::hex(digits), RecordProblem{size, "in the text, the last byte lacks its second digit"}};
-  return {handset::hex(digits), std::nullopt};
+/// The bytes of digits, and what is wrong with the last row's line.
+std::pair<Bytes, std::optional<RecordProblem>> bytesIn(const HexText& text, const HexRow& row,
+                                                       std::string_view line) {
+  std::string digits = text.digits();
+  std::optional<RecordProblem> problem;
+  if (row.wrong)
+    problem = {*row.wrong, fmt::format("in the text, {} is no hexadecimal digit",
+                                       quoted(handset::bytesOf(line.substr(*row.wrong, 1))))};
+  else if (digits.size() > HexText::kMost)
+    problem = {HexText::kMost, "in the text, more follows than any record has"};
+  else if (digits.size() % 2 != 0)
+    problem = {line.size(), "in the text, the last byte lacks its second digit"};
+  digits.resize(std::min(digits.size(), HexText::kMost) / 2 * 2);
+  return {handset::hex(digits), problem};
 }
 
 /// The request that an answer is read by: its bytes, or its header by name.
-Bytes requestOf(const std::string& text) {
-  auto [bytes, problem] = readDigits(text);
+Bytes requestOf(const std::string& line) {
+  HexText text;
+  const HexRow row = text.read(line);
+  text.add(row);
+  const auto [bytes, problem] = bytesIn(text, row, line);
   if (!problem) return bytes;
-  const std::vector<std::string> words = splitWords(text);
+  const std::vector<std::string> words = splitWords(line);
   Words left = words;
-  const RequestRow& row = takeRequestName(left);
-  if (!left.empty()) throw UsageError(fmt::format("--request takes {} without arguments", row.command));
-  return row.family == Family::cdma ? handset::cdmaRequest(row.id) : handset::genericRequest(row.id);
+  const RequestRow& request = takeRequestName(left);
+  if (!left.empty()) throw UsageError(fmt::format("--request takes {} without arguments", request.command));
+  return request.family == Family::cdma ? handset::cdmaRequest(request.id)
+                                        : handset::genericRequest(request.id);
 }
 
 class Decoder {
@@ -120,38 +110,22 @@ class Decoder {
     request_ = requestOf(options.request);
   }
 
-  /// Shows what a text is; `line` is its first in the input, 0 for none.
-  void show(std::string_view text, size_t line, const DumpAnnouncement* announced) {
-    const Interpretation reading = read(text, announced);
-    ++shown_;
-    all_parsed_ = all_parsed_ && !reading.decoded.problem;
-    if (options_.json)
-      printObject(reading, line);
-    else
-      print(reading, line);
-    flushOutput();
-  }
-  void showInput();
+  /// Takes a line; `number` is its place in the input, 0 for none.
+  void take(std::string& line, size_t number);
+  /// Shows what is left.
+  void finish();
   [[nodiscard]] bool allParsed() const { return all_parsed_; }
+  [[nodiscard]] bool hasShown() const { return shown_; }
 
  private:
-  [[nodiscard]] Interpretation read(std::string_view text, const DumpAnnouncement* announced) const {
-    auto [bytes, problem] = readDigits(text);
-    Interpretation reading{.bytes = std::move(bytes)};
-    if (problem) {
-      reading.kind = "text";
-      reading.decoded = decodePlain("text that is no record", kDigitsSoFar, reading.bytes);
-      reading.decoded.problem = problem;
-    } else if (announced != nullptr) {
-      reading.kind = announced->fields.empty() ? nameOf(RecordKind::answer) : "data";
-      reading.decoded = decodeDump(*announced, reading.bytes);
-    } else {
-      const KindGuess guess = as_ ? KindGuess{*as_} : guessKind(reading.bytes);
-      reading.kind = nameOf(guess.kind);
-      reading.other = guess.other;
-      reading.decoded = decodeAs(guess.kind, reading.bytes, request_);
-    }
-    return reading;
+  void takeRow(std::string_view line, size_t number);
+  void show(const Interpretation& reading, size_t line);
+  [[nodiscard]] Interpretation read(const Bytes& bytes) const {
+    const KindGuess guess = as_ ? KindGuess{*as_} : guessKind(bytes);
+    return {nameOf(guess.kind), guess.other, bytes, decodeAs(guess.kind, bytes, request_)};
+  }
+  [[nodiscard]] bool parses(const std::string& digits) const {
+    return digits.size() % 2 == 0 && !read(handset::hex(digits)).decoded.problem;
   }
   void print(const Interpretation& reading, size_t line) const {
     if (line != 0) console_.step(fmt::format("line {}", line));
@@ -173,46 +147,74 @@ class Decoder {
   Console console_;
   std::optional<RecordKind> as_;
   Bytes request_;
-  size_t shown_ = 0;
+  LogReader log_;
+  bool in_log_ = false;
+  const DumpAnnouncement* announced_ = nullptr;
+  HexText text_;
+  size_t text_line_ = 0;
+  std::pair<Bytes, std::optional<RecordProblem>> text_bytes_;
+  bool shown_ = false;
   bool all_parsed_ = true;
 };
 
-void Decoder::showInput() {
-  InputLines input(STDIN_FILENO);
-  std::string line;
-  std::string block;
-  size_t block_line = 0;
-  bool in_log = false;
-  const DumpAnnouncement* announced = nullptr;
-  const auto endBlock = [&] {
-    if (block_line != 0) show(block, block_line, nullptr);
-    block_line = 0;
-    block.clear();
-  };
-  size_t number = 0;
-  while (input.next(line, kTextMax + 1)) {
-    ++number;
-    const std::optional<std::string_view> dump = dumpOn(line);
-    in_log = in_log || dump || isLogLine(line);
-    const bool blank = line.find_first_not_of(" \t") == std::string::npos;
-    if (in_log || blank) endBlock();
-    if (in_log) {
-      if (dump) show(*dump, number, std::exchange(announced, nullptr));
-      if (isUnshownDump(line)) announced = nullptr;
-      if (const DumpAnnouncement* found = announcementOn(line)) announced = found;
-    } else if (!blank && !options_.blocks) {
-      show(line, number, nullptr);
-    } else if (!blank) {
-      if (block_line == 0) block_line = number;
-      if (block.size() <= kTextMax) block += (block.empty() ? "" : "\n") + line;
-    }
+void Decoder::show(const Interpretation& reading, size_t line) {
+  shown_ = true;
+  all_parsed_ = all_parsed_ && !reading.decoded.problem;
+  if (options_.json)
+    printObject(reading, line);
+  else
+    print(reading, line);
+  flushOutput();
+}
+
+void Decoder::take(std::string& line, size_t number) {
+  const std::optional<LogLine> own = log_.read(line);
+  const std::string_view said = own ? own->text : line;
+  const std::optional<std::string_view> dump = dumpOn(said);
+  const DumpAnnouncement* announced = announcementOn(said);
+  in_log_ = in_log_ || own || dump || announced != nullptr;
+  if (!in_log_) return takeRow(line, number);
+  finish();
+  if (dump) takeRow(*dump, number);
+  finish();
+  if (isUnshownDump(said)) announced_ = nullptr;
+  if (announced != nullptr) announced_ = announced;
+}
+
+void Decoder::takeRow(std::string_view line, size_t number) {
+  const HexRow row = text_.read(line);
+  if (line == "*" && text_.isDump()) return text_.squeeze();
+  if (row.wrong && isLogLine(line)) {
+    in_log_ = true;
+    return finish();
   }
-  endBlock();
-  if (shown_ == 0)
-    throw std::runtime_error(
-        fmt::format("standard input has no record: {} lines, none of them hexadecimal digits or with "
-                    "\"HexDump: Data\"; hookctl decode --help tells what is read",
-                    number));
+  const bool blank = row.offset.empty() && row.digits.empty() && !row.wrong;
+  if (blank && line.find('#') != std::string_view::npos) return;
+  const bool apart = text_.isDump() || !row.offset.empty() || parses(row.digits);
+  if (blank || (apart && !options_.blocks && !text_.goesOn(row))) finish();
+  if (blank) return;
+  if (text_.empty()) text_line_ = number;
+  text_.add(row);
+  text_bytes_ = bytesIn(text_, row, line);
+  const bool full = row.digits.size() == HexText::kPlainRow && !parses(text_.digits());
+  const bool more = options_.blocks || text_.isOpen() || (text_.isDump() ? !row.digits.empty() : full);
+  if (row.wrong || !more) finish();
+}
+
+void Decoder::finish() {
+  if (text_.empty()) return;
+  const DumpAnnouncement* announced = std::exchange(announced_, nullptr);
+  const auto& [bytes, problem] = text_bytes_;
+  Interpretation reading = read(bytes);
+  if (problem) {
+    reading = {"text", std::nullopt, bytes, decodePlain("text that is no record", kDigitsSoFar, bytes)};
+    reading.decoded.problem = problem;
+  } else if (announced != nullptr) {
+    reading = {announced->fields.empty() ? nameOf(RecordKind::answer) : "data", std::nullopt, bytes,
+               decodeDump(*announced, bytes)};
+  }
+  show(reading, text_line_);
+  text_ = {};
 }
 
 }  // namespace
@@ -232,15 +234,24 @@ void addDecodeCommand(CLI::App& tool, Common& common) {
                       "HEX or NAME of the request that is answered; --as answer goes without saying");
   command->add_flag("--blocks", options->blocks, "a record goes on until an empty line");
   command->add_flag("--json", options->json, "for scripts: each record with its fields and bytes");
-  command->footer(kFooter);
+  command->footer(kDecodeFooter);
   command->callback([&common, options] {
     Decoder decoder(*options, common);
-    if (!options->words.empty()) {
-      decoder.show(fmt::format("{}", fmt::join(options->words, " ")), 0, nullptr);
+    size_t number = 0;
+    std::string line = fmt::format("{}", fmt::join(options->words, " "));
+    if (!line.empty()) {
+      decoder.take(line, 0);
     } else {
       if (isatty(STDIN_FILENO) == 1) complain("Type or paste records, each on a line; Ctrl-D ends.");
-      decoder.showInput();
+      for (InputLines input(STDIN_FILENO); input.next(line, HexText::kMost + 1);)
+        decoder.take(line, ++number);
     }
+    decoder.finish();
+    if (!decoder.hasShown())
+      throw std::runtime_error(
+          fmt::format("standard input has no record: {} lines, none of them hexadecimal digits or with "
+                      "\"HexDump: Data\"; hookctl decode --help tells what is read",
+                      number));
     common.status = decoder.allParsed() ? kStatusGood : kStatusWrong;
   });
 }

@@ -62,11 +62,8 @@ void addModemCommand(CLI::App& tool, Common& common) {
   CLI::App* command = tool.add_subcommand(
       "modem", "Runs only the simulated modem, for a parent of your own, and shows what it is asked");
   auto root = std::make_shared<std::string>();
-  command->add_option("--root", *root, "the handset folder; made when missing, and kept")
-      ->required()
-      ->option_text("FOLDER");
   auto times = std::make_shared<bool>();
-  command->add_flag("--times", *times, kTimesHelp);
+  addShared(*command, {.root = root.get(), .times = times.get()})->required();
   command->footer(
       "Lines of the input tell the modem what to do; '#' begins a comment:\n" + modemReference() +
       "\nWhat it was told and what was written is kept in the folder, in modem.txt, until it is told "

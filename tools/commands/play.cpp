@@ -177,14 +177,9 @@ void addPlayCommand(CLI::App& tool, Common& common) {
       ->add_option("file", options->paths,
                    "scenarios: JSON files, or folders with such files, which are played by name")
       ->required();
-  command
-      ->add_option("--root", options->root,
-                   "a handset folder that is kept, for all of them; without it, a fresh one for each")
-      ->option_text("FOLDER");
   command->add_flag("--show", options->show,
                     "also each record, and the line that does the same in the shell");
-  command->add_flag("--trace", options->trace, kTraceHelp);
-  command->add_flag("--times", options->times, kTimesHelp);
+  addShared(*command, {.root = &options->root, .trace = &options->trace, .times = &options->times});
   command->add_flag("--json", options->json,
                     "for scripts: an array of the steps' results; of several files or a folder, an array of "
                     "{\"scenario\", \"file\",\n\"steps\"}");

@@ -12,16 +12,33 @@
 #include "tools/bench/happening.h"
 #include "tools/bench/modem_control.h"
 #include "tools/bench/record_json.h"
+#include "tools/bench/reference.h"
 #include "tools/bench/station.h"
 #include "tools/commands/commands.h"
 #include "tools/records/encode.h"
-#include "tools/bench/reference.h"
 
 namespace tools {
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+constexpr const char* kSendFooter =
+    R"(Bytes are hexadecimal digits (A5*16: sixteen times), text:CHARACTERS or @FILE; numbers are decimal or
+0x-hexadecimal.
+A field of digits has as many as the process takes: other characters it would turn into others
+without a word. --force, or the word force before a request wherever one is named, leaves that unchecked.
+The status is 0 when an answer came, whatever it says, but see --check; 2 when there is no such request.
+An answer that takes longer than 2 s is waited for with a word on standard error.
+
+Examples:
+  hookctl send rde write 10017 0102030405
+  hookctl send nam write mdn=5551234560 min=6195551234 mcc=310 imsi11_12=12 imsiT=310120123456789 spc=000000
+  hookctl send --json plmn 310 120
+  hookctl send --modem 'fail utility 90' sysinfo-filter 1
+  hookctl send --log --trace --times nam read
+  hookctl send --check bsr-timer set 30 && echo done
+  hookctl send --messages 5 coverage 7 start)";
 
 struct SendOptions {
   std::vector<std::string> words;
@@ -32,6 +49,7 @@ struct SendOptions {
   bool log = false;
   bool trace = false;
   bool times = false;
+  bool force = false;
   bool check = false;
   bool json = false;
   bool list = false;
@@ -161,42 +179,25 @@ void addSendCommand(CLI::App& tool, Common& common) {
   command->add_option("request", options->words,
                       "NAME [ARGUMENT ...]: a request by name, its arguments in order or as FIELD=VALUE, and "
                       "spc=CODE for a CDMA\nrequest; or raw HEX");
-  command
-      ->add_option("--root", options->root,
-                   "a handset folder that is kept, with the modem that runs there, if one does; without it, "
-                   "a fresh one")
-      ->option_text("FOLDER");
+  addShared(*command, {&options->root, &options->instance, &options->trace, &options->times});
   command
       ->add_option("--modem", options->modem_lines,
                    "tells the modem something first, such as 'fail rde-read 90'; may be given again")
       ->allow_extra_args(false)
       ->option_text("LINE");
-  command->add_option("--instance", options->instance, "the process's instance id")->option_text("N");
   command->add_flag("--log", options->log, "also what the process logs for it");
   command
       ->add_option("--messages", options->messages, "also the unsolicited messages that follow for so long")
       ->check(CLI::Range(0.0, 3600.0))
       ->option_text("SECONDS");
-  command->add_flag("--trace", options->trace, kTraceHelp);
-  command->add_flag("--times", options->times, kTimesHelp);
+  command->add_flag("--force", options->force,
+                    "sends it also where fields lack digits or have other characters");
   command->add_flag("--check", options->check, "the status is 1 unless the answer's is success");
   command->add_flag("--json", options->json, "for scripts: all of it, with fields and bytes");
   command->add_flag("--list", options->list, "tells all requests, their ids and arguments");
-  command->footer(
-      "Bytes are hexadecimal digits (A5*16: sixteen times), text:CHARACTERS or @FILE; numbers are decimal or\n"
-      "0x-hexadecimal.\n"
-      "The status is 0 when an answer came, whatever it says, but see --check; 2 when there is no such "
-      "request.\n"
-      "An answer that takes longer than 2 s is waited for with a word on standard error.\n\n"
-      "Examples:\n"
-      "  hookctl send rde write 10017 0102030405\n"
-      "  hookctl send nam write mdn=5551234560 min=6195551234 mcc=310 imsi11_12=12 spc=000000\n"
-      "  hookctl send --json plmn 310 120\n"
-      "  hookctl send --modem 'fail utility 90' sysinfo-filter 1\n"
-      "  hookctl send --log --trace --times nam read\n"
-      "  hookctl send --check bsr-timer set 30 && echo done\n"
-      "  hookctl send --messages 5 coverage 7 start");
+  command->footer(kSendFooter);
   command->callback([&common, options] {
+    if (options->force) options->words.insert(options->words.begin(), "force");
     if (options->list)
       fmt::print("{}", requestReference());
     else if (!Sending(*options, common).run() && options->check)

@@ -57,14 +57,7 @@ void addShellCommand(CLI::App& tool, Common& common) {
   CLI::App* command =
       tool.add_subcommand("shell", "A prompt: requests by name, what the modem does, messages as they come");
   auto options = std::make_shared<ShellOptions>();
-  command
-      ->add_option("--root", options->root,
-                   "a handset folder that is kept, with the modem that runs there, if one does; without it, "
-                   "a fresh one")
-      ->option_text("FOLDER");
-  command->add_option("--instance", options->instance, "the process's instance id")->option_text("N");
-  command->add_flag("--trace", options->trace, kTraceHelp);
-  command->add_flag("--times", options->times, kTimesHelp);
+  addShared(*command, {&options->root, &options->instance, &options->trace, &options->times});
   command->footer(
       "A line is a request by name, with its arguments in order or as FIELD=VALUE, or one of\n" +
       Shell::commandReference() +

@@ -1,31 +1,31 @@
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
+#include <algorithm>
+#include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 
 #include "core/ground/hook_ids.h"
-#include "core/ground/hook_message.h"
 #include "handset/hook_records.h"
 #include "tools/bench/station.h"
 #include "tools/commands/commands.h"
 #include "tools/records/engineering_screen.h"
+#include "tools/text/window.h"
+#include "tools/text/words.h"
 
 namespace tools {
 
 namespace {
 
-constexpr std::string_view kHomeAndClear = "\x1b[H\x1b[J";
+constexpr WindowSize kLeast{.columns = 40, .rows = 10};
 
 struct WatchOptions {
   std::string root;
   double seconds = 1;
-  unsigned count = 0;
-};
-
-struct Screen {
-  std::string text;
-  bool has_data = true;
+  std::optional<unsigned> count;
 };
 
 /// The process answers with zeros when the modem gives it nothing, and only its log tells.
@@ -34,31 +34,57 @@ std::string complaintSince(Station& station, size_t mark) {
   station.process().catchUpWithLog();
   for (const std::string& line : station.process().logsSince(mark))
     if (const size_t at = line.find(kComplaint); at != std::string::npos)
-      return line.substr(at + kComplaint.size());
+      return fmt::format("(no data from the modem: {})", line.substr(at + kComplaint.size()));
   return "";
 }
 
-Screen screen(Station& station, uint32_t id, std::string (*draw)(handset::ByteView)) {
+EngineeringReport ask(Station& station, uint32_t id) {
   const size_t mark = station.process().logMark();
-  const handset::Bytes answer = station.ask(handset::cdmaRequest(id)).bytes;
-  constexpr size_t kAround = kesext::kOemHookHeaderCount;
-  if (const std::string complaint = complaintSince(station, mark); !complaint.empty())
-    return {fmt::format("      (no data from the modem: {})\n", complaint), false};
-  if (answer.size() < kAround) return {"      (the answer is too short)\n", false};
-  return {draw(handset::ByteView(answer).subspan(kesext::kOemHookPayloadOffset, answer.size() - kAround))};
+  const handset::Bytes request = handset::cdmaRequest(id);
+  EngineeringReport report{decodeAnswer(request, station.ask(request).bytes), complaintSince(station, mark)};
+  if (report.answer.problem && report.trouble.empty())
+    report.trouble = fmt::format("(the answer does not parse: {})", report.answer.problem->text);
+  return report;
+}
+
+std::vector<std::string> screen(const EngineeringReport& call_processing, const EngineeringReport& evdo) {
+  const WindowSize window = windowSize();
+  const size_t most = std::max<size_t>(2, window.rows) - 1;  // the last line is the cursor's
+  if (window.columns < kLeast.columns || window.rows < kLeast.rows) {
+    std::vector<std::string> rows =
+        inRows(splitWords(fmt::format("This window has {} columns and {} rows; watch needs {} and {}.",
+                                      window.columns, window.rows, kLeast.columns, kLeast.rows)),
+               window.columns);
+    rows.resize(std::min(rows.size(), most));
+    return rows;
+  }
+  std::vector<std::string> rows = engineeringRows(call_processing, evdo, window.columns, true);
+  if (rows.size() > most) rows = engineeringRows(call_processing, evdo, window.columns, false);
+  if (rows.size() <= most) return rows;
+  const std::string hidden = fmt::format("... {} more rows in a larger window", rows.size() - (most - 1));
+  rows.resize(most - 1);
+  rows.push_back(hidden);
+  return rows;
 }
 
 /// Whether the last screens had the modem's data.
 bool watch(Station& station, const WatchOptions& options) {
   const bool in_place = isCapableTerminal();
+  station.modem().recordRequests(false);
   for (unsigned shown = 1;; ++shown) {
-    const Screen call_processing = screen(station, kesext::HOOK_CALL_PROCESSING_DATA, callProcessingScreen);
-    const Screen evdo = screen(station, kesext::HOOK_EVDO_DATA, evdoScreen);
-    fmt::print("{}Call processing\n{}\nEVDO\n{}", in_place ? kHomeAndClear : "", call_processing.text,
-               evdo.text);
+    const EngineeringReport call_processing = ask(station, kesext::HOOK_CALL_PROCESSING_DATA);
+    const EngineeringReport evdo = ask(station, kesext::HOOK_EVDO_DATA);
+    station.process().forgetLogs();
+    while (station.process().nextUnsolicited(handset::Millis(0))) {
+    }
+    // Each row covers what was there, so that nothing flickers.
+    fmt::print("{}{}{}", in_place ? "\x1b[H" : "",
+               fmt::join(screen(call_processing, evdo), in_place ? "\x1b[K\n" : "\n"),
+               in_place ? "\x1b[K\n\x1b[J" : "\n");
     flushOutput();
-    if (shown == options.count) return call_processing.has_data && evdo.has_data;
+    if (shown == options.count) return call_processing.trouble.empty() && evdo.trouble.empty();
     std::this_thread::sleep_for(std::chrono::duration<double>(options.seconds));
+    if (!in_place) fmt::print("\n");
   }
 }
 
@@ -68,16 +94,19 @@ void addWatchCommand(CLI::App& tool, Common& common) {
   CLI::App* command =
       tool.add_subcommand("watch", "Shows the engineering screens, again and again in the same place");
   auto options = std::make_shared<WatchOptions>();
-  command
-      ->add_option("--root", options->root,
-                   "a handset folder, with the modem that runs there; without one, a fresh folder and a "
-                   "modem of its own")
-      ->option_text("FOLDER");
+  addShared(*command, {.root = &options->root});
   command->add_option("--every", options->seconds, "seconds from one to the next")
-      ->check(CLI::Range(0.05, 3600.0))
+      ->check(CLI::Range(0.001, 3600.0))
       ->option_text("SECONDS");
-  command->add_option("--count", options->count, "how often; until Ctrl-C when not given")->option_text("N");
-  command->footer("Example:\n  hookctl watch --root /tmp/handset --every 0.5");
+  command->add_option("--count", options->count, "how often, 1 or more; until Ctrl-C when not given")
+      ->check([](const std::string& word) {
+        return word == "0" ? "takes 1 or more; without it the screens go on until Ctrl-C" : "";
+      })
+      ->option_text("N");
+  command->footer(R"(What matters most comes first; a window of 40 by 10 has room for that.
+
+Example:
+  hookctl watch --root /tmp/handset --every 0.5)");
   command->callback([&common, options] {
     Station station({.executable = common.executable, .root = options->root, .share_modem = true});
     station.start();

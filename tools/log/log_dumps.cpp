@@ -30,7 +30,7 @@ constexpr DumpAnnouncement kAnnouncements[] = {
 }  // namespace
 
 bool isLogLine(std::string_view line) {
-  if (line.starts_with("---------")) return true;
+  if (line.starts_with("---------") || (line.starts_with("[ ") && line.ends_with(']'))) return true;
   for (size_t at = 0; at + 3 < line.size(); ++at) {
     const bool word_begins = at == 0 || line[at - 1] == ' ';
     if (!word_begins || kPriorities.find(line[at]) == std::string_view::npos) continue;

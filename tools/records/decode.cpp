@@ -215,6 +215,39 @@ DecodedRecord decodeUnsolicited(ByteView record) {
   return decoded;
 }
 
+std::string_view nameOf(RecordKind kind) {
+  constexpr std::string_view kNames[] = {"request", "answer", "unsolicited"};
+  return kNames[static_cast<size_t>(kind)];
+}
+
+KindGuess guessKind(ByteView record) {
+  struct Reading {
+    RecordKind kind;
+    size_t parsed;  // bytes, and one more for the end
+    bool known;
+  };
+  std::vector<Reading> readings;
+  for (const auto kind : {RecordKind::request, RecordKind::answer, RecordKind::unsolicited}) {
+    const DecodedRecord decoded = decodeAs(kind, record);
+    readings.push_back({kind, decoded.problem ? decoded.problem->offset : record.size() + 1,
+                        !decoded.name.empty() || decoded.title.starts_with("error reply")});
+  }
+  const auto better = [](const Reading& a, const Reading& b) {
+    return std::pair(a.parsed, a.known) > std::pair(b.parsed, b.known);
+  };
+  std::stable_sort(readings.begin(), readings.end(), better);
+  if (better(readings[0], readings[1])) return {readings[0].kind};
+  // Only answers have a status.
+  const bool has_status = isCdma(record) && record.size() >= 12 && getLe<uint32_t>(record, 8) != 0;
+  if (has_status) std::swap(readings[0], readings[1]);
+  return {readings[0].kind, readings[1].kind};
+}
+
+DecodedRecord decodeAs(RecordKind kind, ByteView record, ByteView asked) {
+  if (kind == RecordKind::answer) return decodeAnswer(asked, record);
+  return kind == RecordKind::request ? decodeRequest(record) : decodeUnsolicited(record);
+}
+
 DecodedRecord decodePlain(std::string_view title, Fields fields, ByteView bytes) {
   DecodedRecord decoded{.title = std::string(title)};
   FieldSplitter(bytes, decoded).takeRest(fields);

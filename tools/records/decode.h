@@ -37,6 +37,23 @@ DecodedRecord decodeRequest(handset::ByteView record);
 /// An answer is read by the request that it answers; without one, by its own id.
 DecodedRecord decodeAnswer(handset::ByteView request, handset::ByteView record);
 DecodedRecord decodeUnsolicited(handset::ByteView record);
+
+/// Requests, answers and unsolicited messages have headers of different shapes.
+enum class RecordKind { request, answer, unsolicited };
+
+std::string_view nameOf(RecordKind kind);
+
+struct KindGuess {
+  RecordKind kind = RecordKind::request;
+  std::optional<RecordKind> other;  // which it can be read as just as well
+};
+
+/// The kind that a record parses as, or does for longest; of those, one whose id is known.
+KindGuess guessKind(handset::ByteView record);
+
+/// Takes a record apart as one of this kind; an answer by the request that it `asked`, if that is known.
+DecodedRecord decodeAs(RecordKind kind, handset::ByteView record, handset::ByteView asked = {});
+
 /// Bytes that are these fields and have no header.
 DecodedRecord decodePlain(std::string_view title, Fields fields, handset::ByteView bytes);
 

@@ -1,6 +1,7 @@
 #include "tools/records/encode.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <cctype>
@@ -28,6 +29,8 @@ std::pair<int64_t, int64_t> rangeOf(const FieldSpec& field) {
 
 std::string allowed(const FieldSpec& field) {
   const bool open = field.size == kRest;
+  if (const auto [least, most] = field.digits; most > 0)
+    return fmt::format("{}{} digits", least < most ? "up to " : "", most);
   switch (field.kind) {
     case FieldKind::number:
     case FieldKind::signedNumber:
@@ -104,7 +107,7 @@ bool mayHoldEquals(const FieldSpec& field, std::string_view value) {
     case FieldKind::text:
     case FieldKind::utf8:
     case FieldKind::zeroEndedText:
-      return true;
+      return field.digits.most == 0;
     case FieldKind::bytes:
       return value.starts_with("text:") || value.starts_with('@');
     default:
@@ -133,12 +136,15 @@ std::pair<const FieldSpec*, std::string_view> assign(Fields fields, std::string_
   return {nullptr, argument};
 }
 
+std::string takes(Fields fields) {
+  return fmt::format("{}", fmt::join(argumentHelp(fields), " "));
+}
+
 [[noreturn]] void refuseArgument(std::string_view command, Fields fields, std::string_view argument) {
   const std::string near = didYouMean(argument.substr(0, argument.find('=')), argumentNames(fields));
   if (!near.empty()) throw UsageError(fmt::format("{} does not take '{}'{}", command, argument, near));
-  const std::string takes = argumentHelp(fields);
   throw UsageError(fmt::format("{} does not take '{}'; it takes {}", command, argument,
-                               takes.empty() ? "no arguments" : takes));
+                               fields.empty() ? "no arguments" : takes(fields)));
 }
 
 Given readArguments(std::string_view command, Fields fields, Words arguments) {
@@ -163,7 +169,7 @@ Bytes encodeGiven(std::string_view command, Fields fields, const Given& given) {
   const auto needed = [](const FieldSpec& field) { return field.when_absent != WhenAbsent::leftOut; };
   if (std::none_of(fields.begin(), fields.end(), is_given) &&
       std::any_of(fields.begin(), fields.end(), needed))
-    throw UsageError(fmt::format("{} needs {}", command, argumentHelp(fields)));
+    throw UsageError(fmt::format("{} needs {}", command, takes(fields)));
   Bytes payload;
   std::vector<std::pair<const FieldSpec*, size_t>> lengths;  // still to be filled in, and where
   for (const FieldSpec& field : fields) {
@@ -193,42 +199,20 @@ std::vector<FieldSpec> allFields(const RequestRow& row) {
   return fields;
 }
 
-}  // namespace
-
-const RequestRow& takeRequestName(Words& words) {
-  const RequestRow* found = nullptr;
-  size_t taken = 0;
-  std::string name;
-  for (size_t count = 1; count <= std::min<size_t>(2, words.size()); ++count) {
-    name += (count > 1 ? " " : "") + words[count - 1];
-    for (const RequestRow& row : requestTable()) {
-      if (row.command != name) continue;
-      found = &row;
-      taken = count;
-    }
+/// The payload's fields without what is asked of digits.
+std::vector<FieldSpec> forced(const RequestRow& row) {
+  std::vector<FieldSpec> fields(row.request.begin(), row.request.end());
+  for (FieldSpec& field : fields) {
+    const bool may_be_zeros = field.digits.most > 0 && field.size != kRest;
+    if (may_be_zeros) field.when_absent = WhenAbsent::zeros;
+    field.digits = {};
   }
-  if (found == nullptr)
-    throw UsageError(fmt::format("there is no request '{}'{}", name, didYouMean(name, requestNames())));
-  words = words.subspan(taken);
-  return *found;
+  return fields;
 }
 
-Bytes encodeField(const FieldSpec& field, std::string_view value) {
-  Bytes bytes = valueBytes(field, value);
-  const bool fits = field.kind == FieldKind::code ? bytes.size() == field.size : bytes.size() <= field.size;
-  if (!fits) throw UsageError(fmt::format("{} takes {}, not '{}'", field.name, allowed(field), value));
-  if (field.size != kRest) bytes.resize(field.size);
-  return bytes;
-}
-
-Bytes encodeFields(std::string_view command, Fields fields, Words arguments) {
-  return encodeGiven(command, fields, readArguments(command, fields, arguments));
-}
-
-Bytes encodeRequest(const RequestRow& row, Words arguments) {
-  const std::vector<FieldSpec> fields = allFields(row);
-  const Given given = readArguments(row.command, fields, arguments);
-  const Bytes payload = encodeGiven(row.command, row.request, given);
+handset::Bytes encodeRequest(const RequestRow& row, Words arguments, bool force) {
+  const Given given = readArguments(row.command, allFields(row), arguments);
+  const Bytes payload = encodeGiven(row.command, force ? forced(row) : row.request, given);
   Bytes record = row.family == Family::generic ? handset::genericRequest(row.id, payload)
                                                : handset::cdmaRequest(row.id, payload);
   if (record.size() > kesext::kRequestBufferSize)
@@ -241,11 +225,48 @@ Bytes encodeRequest(const RequestRow& row, Words arguments) {
   return record;
 }
 
+}  // namespace
+
+const RequestRow& takeRequestName(Words& words) {
+  const std::string one = words.empty() ? "" : words[0];
+  const std::string two = words.size() > 1 ? one + ' ' + words[1] : one;
+  for (const auto& [name, taken] : {std::pair(two, 2), std::pair(one, 1)})
+    for (const RequestRow& row : requestTable()) {
+      if (row.command != name) continue;
+      words = words.subspan(std::min<size_t>(taken, words.size()));
+      return row;
+    }
+  // The second word may be an argument.
+  const std::string near = didYouMean(two, requestNames());
+  throw UsageError(near.empty()
+                       ? fmt::format("there is no request '{}'{}", one, didYouMean(one, requestNames()))
+                       : fmt::format("there is no request '{}'{}", two, near));
+}
+
+Bytes encodeField(const FieldSpec& field, std::string_view value) {
+  Bytes bytes = valueBytes(field, value);
+  const bool fits = field.kind == FieldKind::code ? bytes.size() == field.size : bytes.size() <= field.size;
+  const auto [least, most] = field.digits;
+  const bool other = value.find_first_not_of("0123456789") != std::string_view::npos;
+  const bool digits_fit = most == 0 || (value.size() >= least && value.size() <= most && !other);
+  if (!fits || !digits_fit)
+    throw UsageError(fmt::format("{} takes {}, not '{}'{}", field.name, allowed(field), value,
+                                 fits ? "; 'force' before the request sends it as it is" : ""));
+  if (field.size != kRest) bytes.resize(field.size);
+  return bytes;
+}
+
+Bytes encodeFields(std::string_view command, Fields fields, Words arguments) {
+  return encodeGiven(command, fields, readArguments(command, fields, arguments));
+}
+
 Bytes encodeWords(Words words) {
+  const bool force = !words.empty() && words.front() == kForce;
+  if (force) words = words.subspan(1);
   if (words.empty()) throw UsageError("a request is NAME [ARGUMENT ...] or raw HEX");
   if (words.front() != "raw") {
     const RequestRow& row = takeRequestName(words);
-    return encodeRequest(row, words);
+    return encodeRequest(row, words, force);
   }
   Bytes record;
   for (const std::string& word : words.subspan(1))
@@ -255,20 +276,17 @@ Bytes encodeWords(Words words) {
   return record;
 }
 
-std::string argumentHelp(Fields fields) {
-  std::string help;
-  for (const FieldSpec& field : fields) {
-    if (field.kind == FieldKind::zeros) continue;
-    if (!help.empty()) help += ' ';
-    if (field.when_absent == WhenAbsent::refused)
-      help += fmt::format("{} ({})", field.name, allowed(field));
-    else
-      help += fmt::format("[{}={}]", field.name, allowed(field));
-  }
+std::vector<std::string> argumentHelp(Fields fields) {
+  std::vector<std::string> help;
+  for (const FieldSpec& field : fields)
+    if (field.kind != FieldKind::zeros)
+      help.push_back(
+          fmt::format(fmt::runtime(field.when_absent == WhenAbsent::refused ? "{} ({})" : "[{}={}]"),
+                      field.name, allowed(field)));
   return help;
 }
 
-std::string argumentHelp(const RequestRow& row) {
+std::vector<std::string> argumentHelp(const RequestRow& row) {
   return argumentHelp(allFields(row));
 }
 

@@ -23,15 +23,15 @@ handset::Bytes encodeField(const FieldSpec& field, std::string_view value);
 /// missing, unknown or out of range.
 handset::Bytes encodeFields(std::string_view command, Fields fields, Words arguments);
 
-/// The record of a request.
-handset::Bytes encodeRequest(const RequestRow& row, Words arguments);
+/// Before a request, lets its fields of digits be anything.
+inline constexpr std::string_view kForce = "force";
 
 /// The record of what the words say, or of the bytes behind "raw".
 handset::Bytes encodeWords(Words words);
 
-/// "mcc (0 to 65535) mnc (0 to 65535)": what fields are given as, for help and errors; empty for none.
-std::string argumentHelp(Fields fields);
-std::string argumentHelp(const RequestRow& row);
+/// "mcc (0 to 65535)", "mnc (0 to 65535)": what fields are given as, for help and errors.
+std::vector<std::string> argumentHelp(Fields fields);
+std::vector<std::string> argumentHelp(const RequestRow& row);
 
 /// What "NAME=" may begin an argument for these fields.
 std::vector<std::string_view> argumentNames(Fields fields);

@@ -33,8 +33,8 @@ struct RequestRow {
   uint32_t id;
   std::string_view command;  // what a person types
   std::string_view name;     // what it does
-  Fields request;            // the payload
-  Fields answer;             // the payload of a successful answer
+  Fields request = {};       // the payload
+  Fields answer = {};        // the payload of a successful answer
   bool bare_answer = false;  // which then has no header
 };
 

@@ -92,17 +92,6 @@ void offerForCommand(std::span<const Syntax> commands, const Syntax& command, Wo
     offerAlternatives(command.arguments, into);
 }
 
-Candidates candidatesFor(std::span<const Syntax> commands, Words line) {
-  Candidates found;
-  offerNames(commands, line, found);
-  for (const Syntax& command : commands)
-    if (wordsMatched(command.name, line) > 0) offerForCommand(commands, command, line.subspan(1), found);
-  for (const RequestRow& row : requestTable())
-    if (const size_t matched = wordsMatched(row.command, line))
-      offerRequest(row, line.subspan(matched), found);
-  return found;
-}
-
 std::string commonStart(const std::vector<std::string>& words) {
   std::string common = words.front();
   for (const std::string& word : words) {
@@ -114,6 +103,23 @@ std::string commonStart(const std::vector<std::string>& words) {
 
 }  // namespace
 
+std::vector<std::string> candidates(std::span<const Syntax> commands, Words before, std::string_view word) {
+  Candidates all;
+  offerPhrase(kForce, before, all);
+  if (!before.empty() && before.front() == kForce) {
+    commands = {};
+    before = before.subspan(1);
+  }
+  offerNames(commands, before, all);
+  for (const Syntax& command : commands)
+    if (wordsMatched(command.name, before) > 0) offerForCommand(commands, command, before.subspan(1), all);
+  for (const RequestRow& row : requestTable())
+    if (const size_t matched = wordsMatched(row.command, before))
+      offerRequest(row, before.subspan(matched), all);
+  std::erase_if(all, [word](const std::string& candidate) { return !candidate.starts_with(word); });
+  return {all.begin(), all.end()};
+}
+
 Completion complete(std::span<const Syntax> commands, std::string_view line) {
   std::vector<std::string> words;
   try {
@@ -123,14 +129,13 @@ Completion complete(std::span<const Syntax> commands, std::string_view line) {
   }
   std::string word;
   if (!line.empty() && line.back() != ' ' && line.back() != '\t') {
+    if (words.empty()) return {};
     word = words.back();
     words.pop_back();
   }
   // What stands there with quotes is not what a candidate could be put behind.
   if (!line.ends_with(word)) return {};
-  Completion completion;
-  for (const std::string& candidate : candidatesFor(commands, words))
-    if (candidate.starts_with(word)) completion.candidates.push_back(candidate);
+  Completion completion{.candidates = candidates(commands, words, word)};
   if (completion.candidates.empty()) return {};
   completion.insertion = commonStart(completion.candidates).substr(word.size());
   const bool certain = completion.candidates.size() == 1 && !completion.candidates.front().ends_with('=');

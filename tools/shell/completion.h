@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/text/words.h"
+
 namespace tools {
 
 /// A command of one word and what it takes: words such as "on|off|since", "COMMAND" (of the modem) or
@@ -15,12 +17,16 @@ struct Syntax {
   std::string_view arguments;
 };
 
+/// What the next word may be behind these, as far as it is there, in order. Besides `commands` they may begin
+/// with any request's name, and with "force" before that.
+std::vector<std::string> candidates(std::span<const Syntax> commands, Words before, std::string_view word);
+
 struct Completion {
   std::string insertion;                // what to type at the cursor; empty when nothing is certain
   std::vector<std::string> candidates;  // for the word at the cursor, in order
 };
 
-/// Of the line up to the cursor. Besides `commands` it may begin with any request's name.
+/// Of the line up to the cursor.
 Completion complete(std::span<const Syntax> commands, std::string_view line);
 
 }  // namespace tools

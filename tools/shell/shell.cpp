@@ -12,10 +12,10 @@
 #include "handset/modem_logs.h"
 #include "tools/bench/log_listing.h"
 #include "tools/bench/modem_control.h"
+#include "tools/bench/reference.h"
 #include "tools/records/decode.h"
 #include "tools/records/encode.h"
 #include "tools/records/record_table.h"
-#include "tools/bench/reference.h"
 #include "tools/text/usage_error.h"
 
 namespace tools {
@@ -46,6 +46,7 @@ std::string endedWith(std::optional<int> status) {
 
 constexpr Shell::Command Shell::kCommands[] = {
     {"raw", "HEX", "sends these bytes as a request", kAny, &Shell::askRequest},
+    {kForce, "REQUEST", "sends a request whose digits are not what they should be", kAny, &Shell::askRequest},
     {"modem", "COMMAND", "tells the modem something; help modem tells what", kAny, &Shell::tellModem},
     {"wait", "[SECONDS]", "waits for one more unsolicited message", 1, &Shell::waitForMessage},
     {"log", "on|off|since", "the process's log: as it comes; not; since the last 'log since'", 1,
@@ -71,7 +72,7 @@ bool Shell::run(const std::string& line) {
   if (line_number_) ++*line_number_;
   try {
     const std::vector<std::string> words = splitWords(line);
-    if (!words.empty() && !words.front().starts_with('#')) execute(words);
+    if (!words.empty()) execute(words);
   } catch (const std::system_error& error) {
     if (error.code() == std::errc::broken_pipe) throw;
     report(error.what());
@@ -206,7 +207,7 @@ void Shell::help(Words words) {
     fmt::print(
         "A line is a request by name, with its arguments in order or as FIELD=VALUE, such as\n"
         "  rde read 10017\n"
-        "  nam write mdn=5551234560 mcc=310 spc=000000\n"
+        "  plmn mcc=310 mnc=120\n"
         "or one of these:\n{}Tab completes names and arguments.\n",
         commandReference());
     return;

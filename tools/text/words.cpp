@@ -82,6 +82,7 @@ std::vector<std::string> splitWords(std::string_view line) {
       in_word = false;
       continue;
     }
+    if (!in_word && c == '#') break;
     if (!in_word) words.emplace_back();
     in_word = true;
     if (c == quote)
@@ -164,7 +165,7 @@ std::string writeBytes(std::span<const uint8_t> bytes) {
 }
 
 std::string quoteWord(std::string_view word) {
-  if (!word.empty() && word.find_first_of(" \t\"'\\") == std::string_view::npos) return std::string(word);
+  if (!word.empty() && word.find_first_of(" \t\"'\\#") == std::string_view::npos) return std::string(word);
   std::string quoted = "'";
   for (const char c : word)
     quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);

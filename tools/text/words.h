@@ -11,8 +11,8 @@ namespace tools {
 
 using Words = std::span<const std::string>;
 
-/// Splits at blanks; "..." and '...' keep them, a backslash keeps the character behind it. Throws UsageError
-/// when a quote is not closed.
+/// Splits at blanks; "..." and '...' keep them, a backslash keeps the character behind it. A '#' where a word
+/// would begin makes the rest a comment. Throws UsageError when a quote is not closed.
 std::vector<std::string> splitWords(std::string_view line);
 
 /// Up to three of the candidates that are most like `word`, the nearest first; none that is unlike it.
