@@ -13,7 +13,7 @@ enum class FieldKind {
   signedNumber,
   hexNumber,
   element,  // an RDE element's index
-  status,   // a result code
+  status,   // a result code; the last of the numbers
   bytes,
   text,           // up to the first zero byte
   utf8,           // text as it stands

@@ -210,6 +210,7 @@ TEST_F(Decode, RecordsAreReadAsToolsPrintThem) {
         EXPECT_FALSE(record.contains("problem")) << record["problem"];
       }
     }
+    EXPECT_EQ(Objects(RunTool({"decode", "--json", text})).size(), 1U) << text;
   }
 }
 
@@ -257,8 +258,8 @@ TEST_F(Decode, WhatIsNoRecordIsSaid) {
       {{"BD0000020400000000000000000000000000"}, "", 1, "   18  DOES NOT PARSE: the record ends here"},
       {{"B60000020000000000000000000000000000"}, "", 0, "resets to what the factory set"},
       {{"FF0000020000000000000000000000000000"}, "", 0, "CDMA request 0x020000FF, an unknown id"},
-      {{}, "", 1, "standard input has no record: 0 lines"},
-      {{}, "E TAG: nothing\n", 1, "standard input has no record: 1 lines"},
+      {{}, "", 1, "there is no record: 0 lines"},
+      {{}, "E TAG: nothing\n", 1, "there is no record: 1 lines"},
       {{"--request", "data-plnm", "00"}, "", 2, "did you mean data-plmn?"},
       {{"--request", "data-plmn", "--as", "request", "00"}, "", 2, "leave out --as or say --as answer"},
       {{"--as", "reply", "00"}, "", 2, "reply"},

@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "tools/bench/modem_control.h"
-#include "tools/records/difference.h"
 #include "tools/records/encode.h"
 #include "tools/records/field_value.h"
 #include "tools/text/usage_error.h"

@@ -17,30 +17,15 @@ using Json = nlohmann::ordered_json;
 
 /// Numbers are read off their text, which knows the byte order.
 Json typedValue(const DecodedField& field, handset::ByteView bytes) {
-  switch (field.kind) {
-    case FieldKind::number:
-    case FieldKind::signedNumber:
-    case FieldKind::hexNumber:
-    case FieldKind::element:
-    case FieldKind::status:
-      return std::strtoll(field.value.c_str(), nullptr, 0);
-    case FieldKind::words: {
-      Json words = Json::array();
-      for (size_t at = 0; at + kWordSize <= bytes.size(); at += kWordSize)
-        words.push_back(handset::getLe<uint32_t>(bytes, at));
-      return words;
-    }
-    case FieldKind::text:
-    case FieldKind::code:
-    case FieldKind::zeroEndedText:
-      return std::string(bytes.begin(), std::find(bytes.begin(), bytes.end(), 0));
-    case FieldKind::utf8:
-      return std::string(bytes.begin(), bytes.end());
-    case FieldKind::bytes:
-    case FieldKind::zeros:
-      return handset::toHex(bytes, "");
-  }
-  return {};
+  if (isNumber(field.kind)) return std::strtoll(field.value.c_str(), nullptr, 0);
+  if (field.kind == FieldKind::utf8) return std::string(bytes.begin(), bytes.end());
+  if (isText(field.kind) || field.kind == FieldKind::code)
+    return std::string(bytes.begin(), std::find(bytes.begin(), bytes.end(), 0));
+  if (field.kind != FieldKind::words) return handset::toHex(bytes, "");
+  Json words = Json::array();
+  for (size_t at = 0; at + kWordSize <= bytes.size(); at += kWordSize)
+    words.push_back(handset::getLe<uint32_t>(bytes, at));
+  return words;
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ std::string requestReference(std::string_view name) {
   for (const RequestRow& row : requestTable()) {
     if (!namedBy(row.command, name)) continue;
     text += fmt::format("  {:<10} {:<18} {}", idOf(row), row.command,
-                        wrapped(splitWords(row.name), kIndent).substr(kIndent));
+                        wrapped(atBlanks(row.name), kIndent).substr(kIndent));
     text += wrapped(argumentHelp(row), kIndent);
   }
   return text;

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -68,29 +69,21 @@ struct Interpretation {
   DecodedRecord decoded;
 };
 
-/// The bytes of digits, and what is wrong with the last row's line.
-std::pair<Bytes, std::optional<RecordProblem>> bytesIn(const HexText& text, const HexRow& row,
-                                                       std::string_view line) {
-  std::string digits = text.digits();
-  std::optional<RecordProblem> problem;
-  if (row.wrong)
-    problem = {*row.wrong, fmt::format("in the text, {} is no hexadecimal digit",
-                                       quoted(handset::bytesOf(line.substr(*row.wrong, 1))))};
-  else if (digits.size() > HexText::kMost)
-    problem = {HexText::kMost, "in the text, more follows than any record has"};
-  else if (digits.size() % 2 != 0)
-    problem = {line.size(), "in the text, the last byte lacks its second digit"};
-  digits.resize(std::min(digits.size(), HexText::kMost) / 2 * 2);
-  return {handset::hex(digits), problem};
+/// Why the rest of a line is no bytes, where it is none.
+std::optional<RecordProblem> problemIn(const HexRow& row, std::string_view line) {
+  if (!row.wrong) return std::nullopt;
+  const Bytes wrong = handset::bytesOf(line.substr(*row.wrong, 1));
+  return RecordProblem{*row.wrong, fmt::format("in the text, {} is no hexadecimal digit", quoted(wrong))};
+}
+
+Bytes wholeBytes(std::string_view digits) {
+  return handset::hex(digits.substr(0, std::min(digits.size(), HexText::kMost) / 2 * 2));
 }
 
 /// The request that an answer is read by: its bytes, or its header by name.
 Bytes requestOf(const std::string& line) {
-  HexText text;
-  const HexRow row = text.read(line);
-  text.add(row);
-  const auto [bytes, problem] = bytesIn(text, row, line);
-  if (!problem) return bytes;
+  const HexRow row = HexText().read(line);
+  if (!row.wrong && row.digits.size() % 2 == 0) return wholeBytes(row.digits);
   const std::vector<std::string> words = splitWords(line);
   Words left = words;
   const RequestRow& request = takeRequestName(left);
@@ -125,7 +118,7 @@ class Decoder {
     return {nameOf(guess.kind), guess.other, bytes, decodeAs(guess.kind, bytes, request_)};
   }
   [[nodiscard]] bool parses(const std::string& digits) const {
-    return digits.size() % 2 == 0 && !read(handset::hex(digits)).decoded.problem;
+    return digits.size() % 2 == 0 && !read(wholeBytes(digits)).decoded.problem;
   }
   void print(const Interpretation& reading, size_t line) const {
     if (line != 0) console_.step(fmt::format("line {}", line));
@@ -152,7 +145,8 @@ class Decoder {
   const DumpAnnouncement* announced_ = nullptr;
   HexText text_;
   size_t text_line_ = 0;
-  std::pair<Bytes, std::optional<RecordProblem>> text_bytes_;
+  std::optional<RecordProblem> text_problem_;
+  size_t text_end_ = 0;  // of its last line
   bool shown_ = false;
   bool all_parsed_ = true;
 };
@@ -195,7 +189,8 @@ void Decoder::takeRow(std::string_view line, size_t number) {
   if (blank) return;
   if (text_.empty()) text_line_ = number;
   text_.add(row);
-  text_bytes_ = bytesIn(text_, row, line);
+  text_problem_ = problemIn(row, line);
+  text_end_ = line.size();
   const bool full = row.digits.size() == HexText::kPlainRow && !parses(text_.digits());
   const bool more = options_.blocks || text_.isOpen() || (text_.isDump() ? !row.digits.empty() : full);
   if (row.wrong || !more) finish();
@@ -204,11 +199,16 @@ void Decoder::takeRow(std::string_view line, size_t number) {
 void Decoder::finish() {
   if (text_.empty()) return;
   const DumpAnnouncement* announced = std::exchange(announced_, nullptr);
-  const auto& [bytes, problem] = text_bytes_;
+  const std::string& digits = text_.digits();
+  const Bytes bytes = wholeBytes(digits);
+  if (!text_problem_ && digits.size() > HexText::kMost)
+    text_problem_ = {HexText::kMost, "in the text, more follows than any record has"};
+  if (!text_problem_ && digits.size() % 2 != 0)
+    text_problem_ = {text_end_, "in the text, the last byte lacks its second digit"};
   Interpretation reading = read(bytes);
-  if (problem) {
+  if (text_problem_) {
     reading = {"text", std::nullopt, bytes, decodePlain("text that is no record", kDigitsSoFar, bytes)};
-    reading.decoded.problem = problem;
+    reading.decoded.problem = text_problem_;
   } else if (announced != nullptr) {
     reading = {announced->fields.empty() ? nameOf(RecordKind::answer) : "data", std::nullopt, bytes,
                decodeDump(*announced, bytes)};
@@ -238,20 +238,21 @@ void addDecodeCommand(CLI::App& tool, Common& common) {
   command->callback([&common, options] {
     Decoder decoder(*options, common);
     size_t number = 0;
-    std::string line = fmt::format("{}", fmt::join(options->words, " "));
-    if (!line.empty()) {
+    std::string line;
+    std::istringstream words(fmt::format("{}", fmt::join(options->words, " ")));
+    while (std::getline(words, line))
       decoder.take(line, 0);
-    } else {
+    if (options->words.empty()) {
       if (isatty(STDIN_FILENO) == 1) complain("Type or paste records, each on a line; Ctrl-D ends.");
       for (InputLines input(STDIN_FILENO); input.next(line, HexText::kMost + 1);)
         decoder.take(line, ++number);
     }
     decoder.finish();
     if (!decoder.hasShown())
-      throw std::runtime_error(
-          fmt::format("standard input has no record: {} lines, none of them hexadecimal digits or with "
-                      "\"HexDump: Data\"; hookctl decode --help tells what is read",
-                      number));
+      throw std::runtime_error(fmt::format(
+          "there is no record: {} lines of standard input, none of them hexadecimal digits or with "
+          "\"HexDump: Data\"; hookctl decode --help tells what is read",
+          number));
     common.status = decoder.allParsed() ? kStatusGood : kStatusWrong;
   });
 }

@@ -26,8 +26,8 @@ using Clock = std::chrono::steady_clock;
 constexpr const char* kSendFooter =
     R"(Bytes are hexadecimal digits (A5*16: sixteen times), text:CHARACTERS or @FILE; numbers are decimal or
 0x-hexadecimal.
-A field of digits has as many as the process takes: other characters it would turn into others
-without a word. --force, or the word force before a request wherever one is named, leaves that unchecked.
+A field of digits takes as many as the process reads and nothing else: it would turn other characters into
+other digits without a word. --force, or the word force before a request, sends it all the same.
 The status is 0 when an answer came, whatever it says, but see --check; 2 when there is no such request.
 An answer that takes longer than 2 s is waited for with a word on standard error.
 
@@ -72,7 +72,6 @@ class Sending {
 
  private:
   void prepare();
-  void takeNews();
   void waitForMessages(double seconds);
   /// Takes what there is by now and shows it; for scripts it is kept until the end.
   void showNews();
@@ -100,7 +99,7 @@ void Sending::prepare() {
   log_mark_ = station_.process().logMark();
 }
 
-void Sending::takeNews() {
+void Sending::showNews() {
   if (options_.log) {
     std::vector<handset::StampedLine> lines = station_.process().stampedLogsSince(log_mark_);
     log_mark_ += lines.size();
@@ -108,10 +107,6 @@ void Sending::takeNews() {
   }
   append(taken_, station_.modem().takeCrossings());
   sortByTime(taken_);
-}
-
-void Sending::showNews() {
-  takeNews();
   if (options_.json) return;
   for (const Happening& happening : taken_)
     show(console_, happening);

@@ -14,7 +14,6 @@
 #include "tools/commands/commands.h"
 #include "tools/records/engineering_screen.h"
 #include "tools/text/window.h"
-#include "tools/text/words.h"
 
 namespace tools {
 
@@ -52,8 +51,8 @@ std::vector<std::string> screen(const EngineeringReport& call_processing, const 
   const size_t most = std::max<size_t>(2, window.rows) - 1;  // the last line is the cursor's
   if (window.columns < kLeast.columns || window.rows < kLeast.rows) {
     std::vector<std::string> rows =
-        inRows(splitWords(fmt::format("This window has {} columns and {} rows; watch needs {} and {}.",
-                                      window.columns, window.rows, kLeast.columns, kLeast.rows)),
+        inRows(atBlanks(fmt::format("This window has {} columns and {} rows; watch needs {} and {}.",
+                                    window.columns, window.rows, kLeast.columns, kLeast.rows)),
                window.columns);
     rows.resize(std::min(rows.size(), most));
     return rows;

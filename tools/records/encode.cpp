@@ -31,30 +31,14 @@ std::string allowed(const FieldSpec& field) {
   const bool open = field.size == kRest;
   if (const auto [least, most] = field.digits; most > 0)
     return fmt::format("{}{} digits", least < most ? "up to " : "", most);
-  switch (field.kind) {
-    case FieldKind::number:
-    case FieldKind::signedNumber:
-    case FieldKind::hexNumber:
-    case FieldKind::element:
-    case FieldKind::status: {
-      const auto [least, most] = rangeOf(field);
-      return fmt::format("{} to {}", least, most);
-    }
-    case FieldKind::text:
-    case FieldKind::utf8:
-    case FieldKind::zeroEndedText:
-      return open ? "text" : fmt::format("text of up to {} characters", field.size);
-    case FieldKind::code:
-      return "6 characters, or none";
-    case FieldKind::bytes:
-      return open ? "bytes" : fmt::format("up to {} bytes", field.size);
-    case FieldKind::words:
-      return open ? "numbers with commas"
-                  : fmt::format("up to {} numbers with commas", field.size / kWordSize);
-    case FieldKind::zeros:
-      return "";
+  if (isNumber(field.kind)) {
+    const auto [least, most] = rangeOf(field);
+    return fmt::format("{} to {}", least, most);
   }
-  return "";
+  if (isText(field.kind)) return open ? "text" : fmt::format("text of up to {} characters", field.size);
+  if (field.kind == FieldKind::code) return "6 characters, or none";
+  if (field.kind == FieldKind::bytes) return open ? "bytes" : fmt::format("up to {} bytes", field.size);
+  return open ? "numbers with commas" : fmt::format("up to {} numbers with commas", field.size / kWordSize);
 }
 
 Bytes littleEndian(int64_t value, size_t size) {
@@ -76,43 +60,20 @@ Bytes parseWords(std::string_view what, std::string_view text) {
 }
 
 Bytes valueBytes(const FieldSpec& field, std::string_view value) {
-  switch (field.kind) {
-    case FieldKind::number:
-    case FieldKind::signedNumber:
-    case FieldKind::hexNumber:
-    case FieldKind::element:
-    case FieldKind::status: {
-      const auto [least, most] = rangeOf(field);
-      return littleEndian(parseNumber(field.name, value, least, most), field.size);
-    }
-    case FieldKind::text:
-    case FieldKind::utf8:
-      return handset::bytesOf(value);
-    case FieldKind::zeroEndedText:
-      return handset::concat(handset::bytesOf(value), Bytes(1));
-    case FieldKind::code:
-      return value == "none" ? Bytes(field.size) : handset::bytesOf(value);
-    case FieldKind::bytes:
-    case FieldKind::zeros:
-      return parseBytes(field.name, value);
-    case FieldKind::words:
-      return parseWords(field.name, value);
+  if (isNumber(field.kind)) {
+    const auto [least, most] = rangeOf(field);
+    return littleEndian(parseNumber(field.name, value, least, most), field.size);
   }
-  return {};
+  if (field.kind == FieldKind::words) return parseWords(field.name, value);
+  if (field.kind == FieldKind::bytes || field.kind == FieldKind::zeros) return parseBytes(field.name, value);
+  if (field.kind == FieldKind::code && value == "none") return Bytes(field.size);
+  return handset::concat(handset::bytesOf(value), Bytes(field.kind == FieldKind::zeroEndedText ? 1 : 0));
 }
 
 /// Whether a value with this sign in it can be the field's.
 bool mayHoldEquals(const FieldSpec& field, std::string_view value) {
-  switch (field.kind) {
-    case FieldKind::text:
-    case FieldKind::utf8:
-    case FieldKind::zeroEndedText:
-      return field.digits.most == 0;
-    case FieldKind::bytes:
-      return value.starts_with("text:") || value.starts_with('@');
-    default:
-      return false;
-  }
+  return field.kind == FieldKind::bytes ? value.starts_with("text:") || value.starts_with('@')
+                                        : isText(field.kind) && field.digits.most == 0;
 }
 
 bool sameName(std::string_view a, std::string_view b) {

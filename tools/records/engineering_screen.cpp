@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "tools/text/window.h"
-#include "tools/text/words.h"
 
 namespace tools {
 
@@ -48,7 +47,7 @@ std::vector<std::string> cellsOf(const Group& group, const DecodedRecord& report
   std::vector<std::string> cells;
   size_t name_width = 0;
   size_t value_width = aligned ? kValueWidth : 0;
-  const std::vector<std::string> names = splitWords(group.fields);
+  const std::vector<std::string> names = atBlanks(group.fields);
   const auto each = [&](const auto& take) {
     for (const std::string& name : names)
       for (const DecodedField& field : report.fields)
@@ -61,7 +60,7 @@ std::vector<std::string> cellsOf(const Group& group, const DecodedRecord& report
   if (aligned) each(widen);
   each([&](const DecodedField& field) {
     if (field.kind == FieldKind::words)
-      cells = splitWords(field.name + " " + field.value);
+      cells = atBlanks(field.name + " " + field.value);
     else
       cells.push_back(fmt::format("{:<{}} {:>{}}", field.name, name_width, field.value, value_width));
   });
@@ -80,7 +79,7 @@ std::vector<std::string> engineeringRows(const EngineeringReport& call_processin
     if (told) continue;
     told = !report.trouble.empty();
     const std::vector<std::string> cells =
-        told ? splitWords(report.trouble) : cellsOf(group, report.answer, aligned);
+        told ? atBlanks(report.trouble) : cellsOf(group, report.answer, aligned);
     std::string_view title = group.title;
     for (const std::string& row : inRows(cells, columns - kTitleWidth, told ? 1 : 2)) {
       rows.push_back(fmt::format("{:<{}}{}", title, kTitleWidth, row).substr(0, columns));

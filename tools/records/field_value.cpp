@@ -98,31 +98,15 @@ ByteView withoutZerosBehind(ByteView bytes) {
 
 std::string typedValue(FieldKind kind, ByteView bytes) {
   const ByteView used = withoutZerosBehind(bytes);
-  switch (kind) {
-    case FieldKind::number:
-    case FieldKind::element:
-    case FieldKind::status:
-      return fmt::format("{}", numberIn(bytes));
-    case FieldKind::signedNumber:
-    case FieldKind::hexNumber:
-      return valueOf(kind, bytes);
-    case FieldKind::text:
-    case FieldKind::utf8:
-    case FieldKind::zeroEndedText:
-      return {used.begin(), used.end()};
-    case FieldKind::code:
-      return used.empty() ? "none" : std::string(used.begin(), used.end());
-    case FieldKind::words: {
-      std::vector<uint32_t> numbers;
-      for (size_t at = 0; at < used.size(); at += kWordSize)
-        numbers.push_back(getLe<uint32_t>(bytes, at));
-      return fmt::format("{}", fmt::join(numbers, ","));
-    }
-    case FieldKind::bytes:
-    case FieldKind::zeros:
-      return writeBytes(used);
-  }
-  return {};
+  if (kind == FieldKind::signedNumber || kind == FieldKind::hexNumber) return valueOf(kind, bytes);
+  if (isNumber(kind)) return fmt::format("{}", numberIn(bytes));
+  if (kind == FieldKind::bytes || kind == FieldKind::zeros) return writeBytes(used);
+  if (kind == FieldKind::code && used.empty()) return "none";
+  if (kind != FieldKind::words) return {used.begin(), used.end()};
+  std::vector<uint32_t> numbers;
+  for (size_t at = 0; at < used.size(); at += kWordSize)
+    numbers.push_back(getLe<uint32_t>(bytes, at));
+  return fmt::format("{}", fmt::join(numbers, ","));
 }
 
 uint64_t numberIn(ByteView bytes) {
@@ -168,6 +152,19 @@ std::string valueOf(FieldKind kind, ByteView bytes) {
       return handset::isZero(bytes) ? "zero" : "not zero";
   }
   return {};
+}
+
+std::string difference(ByteView received, ByteView expected) {
+  static constexpr size_t kShown = 16;
+  const auto [at, _] = std::mismatch(received.begin(), received.end(), expected.begin(), expected.end());
+  const auto offset = static_cast<size_t>(at - received.begin());
+  const auto some = [offset](ByteView bytes) {
+    const ByteView rest = bytes.subspan(std::min(offset, bytes.size()));
+    const std::string text = handset::toHex(rest.first(std::min(kShown, rest.size())));
+    return text.empty() ? "the end" : text + (rest.size() > kShown ? " ..." : "");
+  };
+  return fmt::format("differs at byte {} of {}: expected {}, not {} ({} bytes expected)", offset,
+                     received.size(), some(expected), some(received), expected.size());
 }
 
 }  // namespace tools

@@ -26,4 +26,7 @@ uint64_t numberIn(handset::ByteView bytes);
 /// The bytes between quotes: printable ASCII as it stands, everything else as \xNN.
 std::string quoted(handset::ByteView bytes);
 
+/// The first bytes that differ, beside what they should be.
+std::string difference(handset::ByteView received, handset::ByteView expected);
+
 }  // namespace tools

@@ -19,6 +19,13 @@ using handset::kRest;
 using handset::kWordSize;
 using handset::WhenAbsent;
 
+constexpr bool isNumber(FieldKind kind) {
+  return kind <= FieldKind::status;
+}
+constexpr bool isText(FieldKind kind) {
+  return kind == FieldKind::text || kind == FieldKind::utf8 || kind == FieldKind::zeroEndedText;
+}
+
 /// A payload of which nothing is known.
 inline constexpr FieldSpec kPlainPayload[] = {{"payload", kRest, FieldKind::bytes}};
 

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "tools/bench/question.h"
-#include "tools/records/difference.h"
+#include "tools/records/field_value.h"
 #include "tools/scenario/files.h"
 #include "tools/scenario/steps.h"
 #include "tools/text/usage_error.h"

@@ -7,7 +7,6 @@
 #include <fstream>
 #include <limits>
 
-#include "tools/records/difference.h"
 #include "tools/records/field_value.h"
 #include "tools/scenario/values.h"
 #include "tools/text/usage_error.h"

@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-#include "tools/records/difference.h"
 #include "tools/records/encode.h"
+#include "tools/records/field_value.h"
 #include "tools/text/usage_error.h"
 #include "tools/text/words.h"
 

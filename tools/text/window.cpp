@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
+#include <sstream>
 
 namespace tools {
 
@@ -19,6 +21,11 @@ WindowSize windowSize() {
   if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 && size.ws_row > 0)
     return {size.ws_col, size.ws_row};
   return {told("COLUMNS", WindowSize{}.columns), told("LINES", WindowSize{}.rows)};
+}
+
+std::vector<std::string> atBlanks(std::string_view text) {
+  std::istringstream words{std::string(text)};
+  return {std::istream_iterator<std::string>(words), {}};
 }
 
 std::vector<std::string> inRows(std::span<const std::string> items, size_t width, size_t blanks) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tools {
@@ -15,6 +16,9 @@ struct WindowSize {
 
 /// The terminal's that standard output is; without one what COLUMNS and LINES say.
 WindowSize windowSize();
+
+/// The words of a sentence.
+std::vector<std::string> atBlanks(std::string_view text);
 
 /// The items in order on rows of up to `width` characters, with blanks between them; an item that is longer
 /// has a row of its own.
