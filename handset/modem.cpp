@@ -162,14 +162,12 @@ size_t Modem::indicate(Service service, uint16_t id, ByteView body) {
 }
 
 size_t Modem::sendRaw(Service service, ByteView packet) {
-  std::vector<ConnectionId> clients;
+  std::vector<ConnectionId> receivers;
   {
     const std::scoped_lock lock(mutex_);
-    for (const auto& [id, peer] : peers_) {
-      if (peer.role == FrameKind::connect && peer.service == service) clients.push_back(id);
-    }
+    receivers = clients(service);
   }
-  return static_cast<size_t>(std::count_if(clients.begin(), clients.end(),
+  return static_cast<size_t>(std::count_if(receivers.begin(), receivers.end(),
                                            [&](ConnectionId id) { return server_.send(id, packet); }));
 }
 
@@ -231,22 +229,15 @@ bool Modem::waitForRequests(size_t count, Millis timeout) {
 }
 
 bool Modem::waitForClients(Service service, size_t count, Millis timeout) {
-  return waitForPeers(FrameKind::connect, service, count, timeout);
-}
-
-bool Modem::waitForLookups(Service service, size_t count, Millis timeout) {
-  return waitForPeers(FrameKind::lookup, service, count, timeout);
-}
-
-bool Modem::waitForPeers(FrameKind role, Service service, size_t count, Millis timeout) {
   std::unique_lock lock(mutex_);
-  return changed_.wait_for(lock, timeout, [&] { return countPeers(role, service) >= count; });
+  return changed_.wait_for(lock, timeout, [&] { return clients(service).size() >= count; });
 }
 
-size_t Modem::countPeers(FrameKind role, Service service) const {
-  return static_cast<size_t>(std::count_if(peers_.begin(), peers_.end(), [&](const auto& entry) {
-    return entry.second.role == role && entry.second.service == service;
-  }));
+std::vector<ConnectionId> Modem::clients(Service service) const {
+  std::vector<ConnectionId> found;
+  for (const auto& [id, peer] : peers_)
+    if (peer.role == FrameKind::connect && peer.service == service) found.push_back(id);
+  return found;
 }
 
 void Modem::onPacket(ConnectionId id, ByteView packet) {

@@ -143,8 +143,6 @@ class Modem {
   /// Each waits until there are at least `count`; false when the time passed first.
   bool waitForRequests(size_t count, Millis timeout = kTimeout);
   bool waitForClients(Service service, size_t count, Millis timeout = kTimeout);
-  /// Lookups are the connections that asked for the service's instances and stay to hear of changes.
-  bool waitForLookups(Service service, size_t count, Millis timeout = kTimeout);
 
  private:
   struct OpenRequest {
@@ -173,8 +171,8 @@ class Modem {
   /// Changes something under the lock, and tells.
   template <typename Change>
   void changeSome(Change change);
-  [[nodiscard]] size_t countPeers(host::FrameKind role, Service service) const;
-  bool waitForPeers(host::FrameKind role, Service service, size_t count, Millis timeout);
+  /// The connections that are clients of the service; under the lock.
+  [[nodiscard]] std::vector<ConnectionId> clients(Service service) const;
 
   const std::string socket_path_;
 

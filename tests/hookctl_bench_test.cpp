@@ -59,9 +59,10 @@ TEST_F(HandsetBench, WhatIsWrittenInAKeptFolderIsReadBackLater) {
 
 TEST_F(HandsetBench, WhatAModemWasToldInAKeptFolderLastsUntilItIsReset) {
   const std::string lines =
-      "set rde 5 AA00 3\nset rde 6 text:\nset band 14 9\nset bsr-timer 301\nset tot-order 1,70000\n"
-      "answer pfp 0000000100\nanswer utility 00\nfail band-read 3\nrefuse plmn-name 7\ndelay rde-read 1\n"
-      "silent data-plmn\npublish dms 2\n";
+      "set rde 5 AA00 3\nset rde 6 text:\nset rde 7 'text:flex # 7'\nset band 14 9\nset bsr-timer 301\n"
+      "set tot-order 1,70000\nrefuse plmn-name 7\ndelay rde-read 1\nanswer pfp 0000000100\nanswer utility "
+      "00\n"
+      "silent data-plmn\nfail band-read 3\npublish dms 2\n";
   {
     RunningTool modem({"modem", "--root", root_});
     modem.type("# a comment\n" + lines + "restore lte-channels\n");

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <algorithm>
 #include <exception>
 #include <memory>
 #include <mutex>
@@ -12,11 +11,12 @@
 #include <string>
 #include <vector>
 
-#include "carrier/modem_messages.h"
 #include "handset/message_table.h"
 #include "tools/bench/console.h"
 #include "tools/bench/modem_control.h"
+#include "tools/records/field_value.h"
 #include "tools/text/usage_error.h"
+#include "tools/text/words.h"
 
 namespace tools {
 
@@ -28,50 +28,7 @@ using Lines = std::vector<std::string>;
 
 constexpr const char* kMemoryPath = "/modem.txt";
 constexpr const char* kHeading =
-    "# What the modem was told and what was written, as `hookctl modem` is told it.\n";
-
-Lines keptElements(const Modem& modem) {
-  Lines lines;
-  const handset::ModemState state = modem.state();
-  for (const auto& [key, bytes] : state.elements)
-    lines.push_back(fmt::format("{} {}{}", key.first, bytes.empty() ? "text:" : handset::toHex(bytes, ""),
-                                key.second != 0 ? fmt::format(" {}", key.second) : ""));
-  return lines;
-}
-
-Lines keptBands(const Modem& modem) {
-  Lines lines;
-  const handset::ModemState state = modem.state();
-  for (const auto& [index, status] : handset::ModemState{}.bands)
-    if (state.bands.at(index) != status)
-      lines.push_back(fmt::format("{} {}", index == handset::kBandClass10 ? 10 : 14, state.bands.at(index)));
-  return lines;
-}
-
-Lines keptBsrTimer(const Modem& modem) {
-  const uint32_t timer = modem.state().bsr_timer;
-  return timer == handset::ModemState{}.bsr_timer ? Lines{} : Lines{std::to_string(timer)};
-}
-
-Lines keptTotOrder(const Modem& modem) {
-  const Bytes order = modem.state().tot_order;
-  std::vector<uint32_t> entries;
-  for (size_t at = 0; at < order.size(); at += kesext::kTotOrderEntrySize)
-    entries.push_back(handset::getLe<uint32_t>(order, at));
-  return entries.empty() ? Lines{} : Lines{fmt::format("{}", fmt::join(entries, ","))};
-}
-
-/// A message's name, and what `say` says of its rule, for each that it says something of.
-Lines keptRules(const Modem& modem,
-                std::optional<std::string> (*say)(const handset::MessageRow&, const Modem::Rule&)) {
-  Lines lines;
-  for (const auto& [key, rule] : modem.rules()) {
-    const handset::MessageRow* row = handset::findMessage(key.first, key.second);
-    if (row == nullptr) continue;
-    if (const auto said = say(*row, rule)) lines.push_back(fmt::format("{}{}", row->name, *said));
-  }
-  return lines;
-}
+    "# What the modem was told and what was written, as `hookctl modem` is told it.";
 
 /// What a response refuses its message with, if it is no more than that.
 std::optional<uint32_t> errorOf(const handset::MessageRow& row, const Bytes& response) {
@@ -81,70 +38,56 @@ std::optional<uint32_t> errorOf(const handset::MessageRow& row, const Bytes& res
   return refusal(row, error) == response ? std::optional(error) : std::nullopt;
 }
 
-Lines keptAnswers(const Modem& modem) {
-  return keptRules(modem, [](const auto& row, const auto& rule) -> std::optional<std::string> {
-    if (!rule.reply || rule.reply->code != 0 || errorOf(row, rule.reply->body)) return std::nullopt;
-    Bytes body = rule.reply->body;
-    while (body.size() > 1 && body.back() == 0)
-      body.pop_back();
-    return " " + handset::toHex(body, "");
-  });
+std::string typed(const Bytes& bytes) {
+  return bytes.empty() ? "text:" : quoteWord(writeBytes(bytes));
 }
 
-Lines keptFailures(const Modem& modem) {
-  return keptRules(modem, [](const auto&, const auto& rule) {
-    return rule.reply && rule.reply->code != 0 ? std::optional(fmt::format(" {}", rule.reply->code))
-                                               : std::nullopt;
-  });
+void keepReply(const handset::MessageRow& row, const handset::Reply& reply, Lines& lines) {
+  const handset::ByteView used = withoutZerosBehind(reply.body);
+  if (reply.code != 0)
+    lines.push_back(fmt::format("fail {} {}", row.name, reply.code));
+  else if (const auto error = errorOf(row, reply.body))
+    lines.push_back(fmt::format("refuse {} {}", row.name, *error));
+  else
+    lines.push_back(fmt::format("answer {} {}", row.name,
+                                typed(used.empty() ? Bytes(1) : Bytes(used.begin(), used.end()))));
 }
 
-Lines keptRefusals(const Modem& modem) {
-  return keptRules(modem, [](const auto& row, const auto& rule) -> std::optional<std::string> {
-    if (!rule.reply || rule.reply->code != 0) return std::nullopt;
-    const auto error = errorOf(row, rule.reply->body);
-    return error ? std::optional(fmt::format(" {}", *error)) : std::nullopt;
-  });
+void keepRules(const Modem& modem, Lines& lines) {
+  for (const auto& [key, rule] : modem.rules()) {
+    const handset::MessageRow* row = handset::findMessage(key.first, key.second);
+    if (row == nullptr) continue;
+    if (rule.reply) keepReply(*row, *rule.reply, lines);
+    if (rule.delay.count() > 0) lines.push_back(fmt::format("delay {} {}", row->name, rule.delay.count()));
+    if (rule.silent) lines.push_back(fmt::format("silent {}", row->name));
+  }
 }
 
-Lines keptDelays(const Modem& modem) {
-  return keptRules(modem, [](const auto&, const auto& rule) {
-    return rule.delay.count() > 0 ? std::optional(fmt::format(" {}", rule.delay.count())) : std::nullopt;
-  });
+void keepState(const handset::ModemState& state, Lines& lines) {
+  const handset::ModemState fresh;
+  for (const auto& [key, bytes] : state.elements)
+    lines.push_back(fmt::format("set rde {} {}{}", key.first, typed(bytes),
+                                key.second != 0 ? fmt::format(" {}", key.second) : ""));
+  for (const auto& [index, status] : fresh.bands)
+    if (state.bands.at(index) != status)
+      lines.push_back(
+          fmt::format("set band {} {}", index == handset::kBandClass10 ? 10 : 14, state.bands.at(index)));
+  if (state.bsr_timer != fresh.bsr_timer) lines.push_back(fmt::format("set bsr-timer {}", state.bsr_timer));
+  std::vector<uint32_t> order;
+  for (size_t at = 0; at < state.tot_order.size(); at += kWordSize)
+    order.push_back(handset::getLe<uint32_t>(state.tot_order, at));
+  if (!order.empty()) lines.push_back(fmt::format("set tot-order {}", fmt::join(order, ",")));
 }
 
-Lines keptSilences(const Modem& modem) {
-  return keptRules(modem, [](const auto&, const auto& rule) {
-    return rule.silent ? std::optional<std::string>("") : std::nullopt;
-  });
-}
-
-Lines keptInstances(const Modem& modem) {
-  Lines lines;
-  for (const handset::Service service : kServices)
-    if (modem.instances(service) != 1)
-      lines.push_back(fmt::format("{} {}", handset::serviceName(service), modem.instances(service)));
-  return lines;
-}
-
-/// What the modem is told by the command of this name: the arguments that bring it to where it is now, for
-/// each time that it has to be told.
-struct MemoryRow {
-  std::string_view command;
-  Lines (*kept)(const Modem& modem);
-};
-constexpr MemoryRow kMemory[] = {
-    {"set rde", keptElements},       {"set band", keptBands}, {"set bsr-timer", keptBsrTimer},
-    {"set tot-order", keptTotOrder}, {"answer", keptAnswers}, {"fail", keptFailures},
-    {"refuse", keptRefusals},        {"delay", keptDelays},   {"silent", keptSilences},
-    {"publish", keptInstances},
-};
-
+/// The lines that bring a fresh modem to where this one is.
 std::string memoryOf(const Modem& modem) {
-  std::string text = kHeading;
-  for (const MemoryRow& row : kMemory)
-    for (const std::string& arguments : row.kept(modem))
-      text += fmt::format("{} {}\n", row.command, arguments);
-  return text;
+  Lines lines{kHeading};
+  keepState(modem.state(), lines);
+  keepRules(modem, lines);
+  for (const auto service : {handset::Service::vendor, handset::Service::nas, handset::Service::dms})
+    if (modem.instances(service) != 1)
+      lines.push_back(fmt::format("publish {} {}", handset::serviceName(service), modem.instances(service)));
+  return fmt::format("{}\n", fmt::join(lines, "\n"));
 }
 
 void recall(const handset::Folder& folder, Modem& modem) {
