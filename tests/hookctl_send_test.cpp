@@ -191,7 +191,7 @@ TEST_F(Send, WhatTheProcessSaysAndReportsIsShownWithItsTime) {
 
 TEST_F(Send, WhatCrossesTheModemLinkIsTracedInWords) {
   const ToolResult result = RunTool({"shell", "--trace"},
-                                    "modem fail utility 71\nmodem refuse bsr-timer-read 25\n"
+                                    "modem fail utility 71\nmodem refuse bsr-timer-read 16\n"
                                     "modem delay rde-read 100\nsysinfo-filter 1\nrde write 10017 0102030400\n"
                                     "rde read 10017\nrde read 5\nbsr-timer get\nfactory-reset\ntrace off\n"
                                     "pfp\ntrace on\nmodem indicate pfp 1 2\nplmn 310 120\ntrace\n");
@@ -203,7 +203,7 @@ TEST_F(Send, WhatCrossesTheModemLinkIsTracedInWords) {
         "rde-write: rde_index 10017 (0x2721), record_num 0, offset 0, length 5, data_len 5, data 01 02",
         " 03 04 00\n             success in 0.", " ms: length 5, data_len 5, data 01 02 03 04 00\n",
         "failure in 10", " ms: error 16 (no such element)\n", "bsr-timer-read\n             failure in 0.",
-        " ms: error 25, timer 0\n", "factory-reset: reset_flag 0xFF\n             success in 0.",
+        " ms: error 16, timer 0\n", "factory-reset: reset_flag 0xFF\n             success in 0.",
         "modem    indicates pfp: rat 1, tbl_idx 2\n",
         "short_name_length 7, short_name 54 65 73 74 6E 65 74\n"})
     EXPECT_THAT(result.out, HasSubstr(traced));

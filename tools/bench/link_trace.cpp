@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <map>
+#include <utility>
 
 #include "handset/message_table.h"
 #include "tools/bench/console.h"
@@ -22,21 +23,17 @@ using handset::Crossing;
 constexpr size_t kBytesShown = 32;
 constexpr size_t kCharactersShown = 64;
 
-struct NumberName {
-  uint32_t number;
-  std::string_view name;
-};
+using NumberName = std::pair<int32_t, std::string_view>;
 constexpr NumberName kCodeNames[] = {{handset::kMalformed, "a request of the wrong size"},
                                      {handset::kNotPublished, "no such service"},
                                      {handset::kUnknownMessage, "an unknown message"}};
-constexpr NumberName kErrorNames[] = {{0, "none"},
-                                      {handset::kRdeNoElement, "no such element"},
-                                      {handset::kRdeBadLength, "lengths that do not fit"}};
+constexpr NumberName kElementErrors[] = {{handset::kRdeNoElement, "no such element"},
+                                         {handset::kRdeBadLength, "lengths that do not fit"}};
 
 /// "16 (no such element)".
-std::string named(std::span<const NumberName> names, uint32_t number) {
-  for (const NumberName& row : names)
-    if (row.number == number) return fmt::format("{} ({})", number, row.name);
+std::string named(std::span<const NumberName> names, int32_t number) {
+  for (const auto& [of, name] : names)
+    if (of == number) return fmt::format("{} ({})", number, name);
   return fmt::format("{}", number);
 }
 
@@ -74,30 +71,29 @@ std::string traceValue(const FieldSpec& field, ByteView bytes, std::optional<siz
   const bool number = field.kind == FieldKind::number || field.kind == FieldKind::signedNumber ||
                       field.kind == FieldKind::hexNumber || field.kind == FieldKind::element;
   if (!number && handset::isZero(bytes)) return "";
-  if (field.name == "error") return named(kErrorNames, static_cast<uint32_t>(numberIn(bytes)));
   std::string value = valueOf(field.kind, bytes);
   if (value.size() <= kCharactersShown) return value;
   return fmt::format("{}... ({} bytes)", value.substr(0, kCharactersShown), bytes.size());
 }
 
+/// The values of fields by their names.
 using Values = std::map<std::string_view, std::string>;
 
-/// "NAME VALUE, ..." without what `known` has as well, and the values.
-std::string fieldsText(Fields fields, ByteView body, const Values& known, Values& values) {
+/// "NAME VALUE, ..." without what is known already; what is told is known then.
+std::string fieldsText(Fields fields, ByteView body, Values& known) {
   std::vector<std::string> parts;
   std::optional<size_t> count;
   for (const FieldSpec& field : fields) {
     const ByteView bytes = body.first(std::min(field.size, body.size()));
     body = body.subspan(bytes.size());
     if (bytes.empty()) continue;
-    std::string value = traceValue(field, bytes, count);
-    count.reset();
+    std::string value = traceValue(field, bytes, std::exchange(count, std::nullopt));
     if (field.when_absent == WhenAbsent::lengthOfRest) count = static_cast<size_t>(numberIn(bytes));
-    if (value.empty()) continue;
-    const auto same = known.find(field.name);
-    if (same == known.end() || same->second != value)
-      parts.push_back(fmt::format("{} {}", field.name, value));
-    values[field.name] = std::move(value);
+    if (value.empty() || known[field.name] == value) continue;
+    known[field.name] = value;
+    if (field.name == "error" && known.contains("rde_index"))
+      value = named(kElementErrors, static_cast<int32_t>(numberIn(bytes)));
+    parts.push_back(fmt::format("{} {}", field.name, value));
   }
   return fmt::format("{}", fmt::join(parts, ", "));
 }
@@ -108,16 +104,19 @@ std::string withColon(const std::string& what, const std::string& fields) {
 
 }  // namespace
 
+std::string indicationName(uint16_t id) {
+  const auto* row = handset::findIndication(id);
+  return row != nullptr ? std::string(row->name) : fmt::format("0x{:04X}", id);
+}
+
 std::string crossingName(const Crossing& crossing) {
-  if (!crossing.indication) return handset::messageName(crossing.service, crossing.id);
-  const auto* row = handset::findIndication(crossing.id);
-  return row != nullptr ? std::string(row->name) : fmt::format("0x{:04X}", crossing.id);
+  return crossing.indication ? indicationName(crossing.id)
+                             : handset::messageName(crossing.service, crossing.id);
 }
 
 std::string outcomeText(const Crossing& crossing) {
   if (!crossing.reply) return "not answered";
-  if (crossing.reply->code != 0)
-    return "refused with code " + named(kCodeNames, static_cast<uint32_t>(crossing.reply->code));
+  if (crossing.reply->code != 0) return "refused with code " + named(kCodeNames, crossing.reply->code);
   const Fields fields = responseFields(crossing);
   const handset::MessageRow* row = handset::findMessage(crossing.service, crossing.id);
   if (row == nullptr || fields.front().name != "result") return "answered";
@@ -128,14 +127,12 @@ std::string outcomeText(const Crossing& crossing) {
 }
 
 std::vector<std::string> traceLines(const Crossing& crossing) {
-  Values values;
+  // The outcome tells the result, and that there was no error.
+  Values known{{"error", "0"}};
   const std::string asked =
-      withColon(crossingName(crossing), fieldsText(bodyFields(crossing), crossing.body, {}, values));
+      withColon(crossingName(crossing), fieldsText(bodyFields(crossing), crossing.body, known));
   if (crossing.indication) return {"indicates " + asked};
   if (!crossing.reply) return {asked, outcomeText(crossing)};
-  // The outcome has told the result, and that there was no error.
-  values["error"] = named(kErrorNames, 0);
-  Values known = values;
   Fields fields = responseFields(crossing);
   ByteView body = crossing.reply->body;
   if (fields.front().name == "result") {
@@ -144,7 +141,7 @@ std::vector<std::string> traceLines(const Crossing& crossing) {
   }
   return {asked, withColon(fmt::format("{} in {:.1f} ms", outcomeText(crossing),
                                        tookMs(crossing.asked, crossing.done)),
-                           fieldsText(fields, body, known, values))};
+                           fieldsText(fields, body, known))};
 }
 
 DecodedRecord decodeBody(const Crossing& crossing) {

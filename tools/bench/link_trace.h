@@ -21,6 +21,9 @@ std::vector<std::string> traceLines(const handset::Crossing& crossing);
 DecodedRecord decodeBody(const handset::Crossing& crossing);
 DecodedRecord decodeResponse(const handset::Crossing& crossing);
 
+/// An indication as words have it: "pfp"; "0x0123" for one that is not in the table.
+std::string indicationName(uint16_t id);
+
 /// The name of the message or of the indication.
 std::string crossingName(const handset::Crossing& crossing);
 

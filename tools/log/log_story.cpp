@@ -8,9 +8,8 @@
 
 #include "core/ground/hook_ids.h"
 #include "handset/bytes.h"
-#include "handset/message_table.h"
 #include "qmi/send.h"
-#include "tools/bench/modem_control.h"
+#include "tools/bench/link_trace.h"
 #include "tools/records/record_table.h"
 
 namespace tools {
@@ -29,11 +28,6 @@ uint32_t hexIn(std::string_view digits) {
   uint32_t number = 0;
   std::from_chars(digits.data(), digits.data() + digits.size(), number, 16);
   return number;
-}
-
-std::string indicationName(uint32_t id) {
-  const auto* row = handset::findIndication(static_cast<uint16_t>(id));
-  return row != nullptr ? std::string(row->name) : fmt::format("0x{:04X}", id);
 }
 
 /// What a dump says that a line announced: the fields of an answer's payload, or its bytes.
@@ -96,8 +90,7 @@ LogStory::Teller& LogStory::tellerOf(int32_t process) {
     cut(tellers_.back(), "the log has no more of its process");
     tellers_.pop_back();
   }
-  Teller teller{.process = process};
-  return *tellers_.insert(tellers_.begin(), std::move(teller));
+  return *tellers_.insert(tellers_.begin(), Teller{.process = process});
 }
 
 LogEvent LogStory::eventOf(EventKind happening, const LogLine& line) const {
@@ -220,7 +213,7 @@ void LogStory::noteApart(Teller& teller, const LogLine& line, const LineRow& row
   if (row.kind == LineKind::indication) {
     endReport(teller);
     teller.report = eventOf(EventKind::report, line);
-    teller.report->name = indicationName(hexIn(places[0]));
+    teller.report->name = indicationName(static_cast<uint16_t>(hexIn(places[0])));
     return teller.report->addDetail(fmt::format("{} bytes", places[1]));
   }
   const std::string words = inWords(row.words, places, teller.context);
