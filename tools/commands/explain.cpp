@@ -132,10 +132,14 @@ nlohmann::ordered_json toJson(const LogEvent& event) {
 }
 
 nlohmann::ordered_json toJson(const LogSummary& summary) {
-  nlohmann::ordered_json object{{"event", "summary"},           {"lines", summary.lines},
-                                {"own", summary.own},           {"unknown", summary.unknown},
-                                {"starts", summary.starts},     {"silences", summary.silences},
-                                {"troubles", summary.troubles}, {"requests", nlohmann::ordered_json::array()},
+  nlohmann::ordered_json object{{"event", "summary"},
+                                {"lines", summary.lines},
+                                {"own", summary.own},
+                                {"unknown", summary.unknown},
+                                {"starts", summary.starts},
+                                {"silences", summary.silences},
+                                {"troubles", summary.troubles},
+                                {"requests", nlohmann::ordered_json::array()},
                                 {"slowest", toJson(summary.slowest)}};
   if (summary.unknown > 0) object["first_unknown"] = toJson(summary.first_unknown);
   for (const auto& [name, requests] : summary.requests) {
@@ -241,8 +245,8 @@ void explain(const ExplainOptions& options, const Common& common) {
   const LogSummary& summary = story.summary();
   if (summary.own == 0)
     throw std::runtime_error(fmt::format(
-        "the log has no line of the process: {} lines, none that begins as with the tag " KESEXT_LOG_TAG
-        " in logcat -v threadtime; hookctl explain --help tells what is read",
+        "the log has no line of the process: {} lines, none with the tag " KESEXT_LOG_TAG
+        " before its text, as logcat -v threadtime has it; hookctl explain --help tells what is read",
         summary.lines));
   if (options.json)
     printJsonLine(toJson(summary));

@@ -16,35 +16,35 @@ namespace {
 
 using Key = std::pair<char, char>;
 
+struct IndexedRow {
+  std::string_view beginning;  // what every line of the row begins with
+  const LineRow* row;
+};
+
 /// The rows by their first two characters, each in the table's order.
-const std::map<Key, std::vector<const LineRow*>>& index() {
+const std::map<Key, std::vector<IndexedRow>>& index() {
   static const auto kIndex = [] {
-    std::map<Key, std::vector<const LineRow*>> rows;
-    for (const auto table : {processLines(), serviceLines(), modemLines()})
-      for (const LineRow& row : table)
-        rows[{row.pattern[0], row.pattern[1]}].push_back(&row);
+    std::map<Key, std::vector<IndexedRow>> rows;
+    for (const auto table : {processLines(), serviceLines(), modemLines()}) {
+      for (const LineRow& row : table) {
+        const std::string_view literal = row.pattern.substr(0, row.pattern.find('%'));
+        const std::string_view beginning = literal.substr(0, literal.find_last_not_of(' ') + 1);
+        rows[{row.pattern[0], row.pattern[1]}].push_back({beginning, &row});
+      }
+    }
     return rows;
   }();
   return kIndex;
 }
 
-bool isDecimal(char character) {
-  return character >= '0' && character <= '9';
-}
-
-/// How many characters at the text's beginning a place of this kind takes.
-size_t placeSize(char kind, std::string_view text) {
-  size_t size = 0;
-  const auto belongs = [kind](char character) {
-    if (isDecimal(character)) return true;
-    if (kind == 'x') return character >= 'a' && character <= 'f';
-    return kind == 'X' && character >= 'A' && character <= 'F';
-  };
-  if (kind == 'd' && text.starts_with('-')) ++size;
-  const size_t digits = size;
-  while (size < text.size() && belongs(text[size]))
-    ++size;
-  return size == digits ? 0 : size;
+/// How many characters at the text's beginning a number of this kind takes.
+size_t numberSize(char kind, std::string_view text) {
+  const std::string_view digits = kind == 'x'   ? "0123456789abcdef"
+                                  : kind == 'X' ? "0123456789ABCDEF"
+                                                : "0123456789";
+  const size_t sign = kind == 'd' && text.starts_with('-') ? 1 : 0;
+  const size_t end = std::min(text.find_first_not_of(digits, sign), text.size());
+  return end == sign ? 0 : end;
 }
 
 /// How many characters a text of any kind takes that is followed by this literal part, the line's last one or
@@ -62,6 +62,7 @@ bool matches(std::string_view pattern, std::string_view text, Places& places) {
     if (!text.starts_with(pattern.substr(0, literal))) {
       // Where blanks at the end are lost, an empty text in the last place takes the one before it along.
       const size_t words = pattern.find_last_not_of(' ', literal - 1) + 1;
+      places[place] = {};
       return pattern.substr(literal) == "%s" && text == pattern.substr(0, words);
     }
     text.remove_prefix(literal);
@@ -70,7 +71,7 @@ bool matches(std::string_view pattern, std::string_view text, Places& places) {
     pattern.remove_prefix(literal + 2);
     const std::string_view next = pattern.substr(0, pattern.find('%'));
     const size_t size =
-        kind == 's' ? textSize(text, next, next.size() == pattern.size()) : placeSize(kind, text);
+        kind == 's' ? textSize(text, next, next.size() == pattern.size()) : numberSize(kind, text);
     if (size == std::string_view::npos || (kind != 's' && size == 0)) return false;
     places[place++] = text.substr(0, size);
     text.remove_prefix(size);
@@ -114,8 +115,8 @@ const LineRow* findLine(std::string_view text, Places& places) {
   if (text.size() < 2) return nullptr;
   const auto rows = index().find({text[0], text[1]});
   if (rows == index().end()) return nullptr;
-  for (const LineRow* row : rows->second)
-    if (matches(row->pattern, text, places)) return row;
+  for (const auto& [beginning, row] : rows->second)
+    if (text.starts_with(beginning) && matches(row->pattern, text, places)) return row;
   return nullptr;
 }
 
