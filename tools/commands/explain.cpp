@@ -34,9 +34,10 @@ constexpr size_t kLogLineMax = size_t{64} * 1024;  // characters
 constexpr std::string_view kOnlyFailures = "failures";
 
 constexpr const char* kExplainFooter =
-    R"(The log is a workstation's ("E RIL-KESEXT: ...") or a handset's, as logcat prints it: threadtime, which tells most,
-or time, brief, long or tag, with colours or without. Lines of other processes are skipped. Each thing that happened is a line: the
-number of its first line in the log, process and time where the log has them, how long it took, and how it ended:
+    R"(The log is a workstation's ("E RIL-KESEXT: ...") or a handset's, as logcat prints it: threadtime, which tells
+most, or time, brief, long or tag, with colours or without. Lines of other processes are skipped. Each thing that
+happened is a line: the number of its first line in the log, process and time where the log has them, how long it
+took, and how it ended:
 
   success              the process said so
   answered             nothing in the log says that it failed; not every failure is logged
