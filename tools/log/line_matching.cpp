@@ -39,11 +39,13 @@ const std::map<Key, std::vector<IndexedRow>>& index() {
 
 /// How many characters at the text's beginning a number of this kind takes.
 size_t numberSize(char kind, std::string_view text) {
-  const std::string_view digits = kind == 'x'   ? "0123456789abcdef"
-                                  : kind == 'X' ? "0123456789ABCDEF"
-                                                : "0123456789";
+  const auto is_digit = [kind](char character) {
+    return (character >= '0' && character <= '9') || (kind == 'x' && character >= 'a' && character <= 'f') ||
+           (kind == 'X' && character >= 'A' && character <= 'F');
+  };
   const size_t sign = kind == 'd' && text.starts_with('-') ? 1 : 0;
-  const size_t end = std::min(text.find_first_not_of(digits, sign), text.size());
+  const auto end =
+      static_cast<size_t>(std::find_if_not(text.begin() + sign, text.end(), is_digit) - text.begin());
   return end == sign ? 0 : end;
 }
 

@@ -32,12 +32,13 @@ void removeBlanks(std::string_view& text) {
   text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
 }
 
-/// The next word, taken off the text; empty at its end.
-std::string_view takeWord(std::string_view& text, std::string_view parting = " ") {
-  text.remove_prefix(std::min(text.find_first_not_of(parting), text.size()));
-  const std::string_view word = text.substr(0, text.find_first_of(parting));
-  text.remove_prefix(word.size());
-  return word;
+/// The next word, up to a blank or to the other character, taken off the text; empty at its end.
+std::string_view takeWord(std::string_view& text, char other = ' ') {
+  const auto parts = [other](char character) { return character == ' ' || character == other; };
+  const auto* begin = std::find_if_not(text.begin(), text.end(), parts);
+  const auto* end = std::find_if(begin, text.end(), parts);
+  text.remove_prefix(static_cast<size_t>(end - text.begin()));
+  return {begin, static_cast<size_t>(end - begin)};
 }
 
 /// Of "YYYY-MM-DD hh:mm:ss.f", the same without a year, or "s.f", each with a fraction of any length; nothing
@@ -73,11 +74,14 @@ std::optional<int64_t> millisOf(std::string_view time) {
 /// The last two of the ids of user, process and thread, of which the user's may be a name. Nothing when there
 /// is something else, as where another process's text has the tag in it.
 std::optional<std::array<int32_t, 2>> lastIds(std::string_view words) {
-  constexpr std::string_view kOfIds = "abcdefghijklmnopqrstuvwxyz_0123456789";
+  const auto is_of_ids = [](char character) {
+    return (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9') ||
+           character == '_';
+  };
   std::array<int32_t, 2> ids{};
-  for (std::string_view word; !(word = takeWord(words, " :")).empty();) {
+  for (std::string_view word; !(word = takeWord(words, ':')).empty();) {
     if (word[0] == '+' || word[0] == '-') continue;  // the time's zone
-    if (word.find_first_not_of(kOfIds) != std::string_view::npos) return std::nullopt;
+    if (!std::all_of(word.begin(), word.end(), is_of_ids)) return std::nullopt;
     ids[0] = std::exchange(ids[1], 0);
     std::from_chars(word.data(), word.data() + word.size(), ids[1]);
   }
