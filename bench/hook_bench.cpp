@@ -108,7 +108,7 @@ void unknownCdmaId(benchmark::State& state) {
 }
 
 void genericNvRead(benchmark::State& state) {
-  compare(state, handset::cdmaRequest(0x02000016, handset::nvPayload(kElement, 0, 0, 0)), 532);
+  compare(state, handset::cdmaRequest(0x02000016, handset::concat(handset::le32(kElement), Bytes(12))), 532);
 }
 
 double residentKiB(pid_t pid) {
@@ -120,8 +120,9 @@ double residentKiB(pid_t pid) {
 
 void memoryOfAMillionRequests(benchmark::State& state) {
   handset::Parent hook(stage().hook());
-  const Bytes requests[] = {handset::cdmaRequest(0x02000099),
-                            handset::cdmaRequest(0x02000016, handset::nvPayload(kElement, 0, 0, 0))};
+  const Bytes requests[] = {
+      handset::cdmaRequest(0x02000099),
+      handset::cdmaRequest(0x02000016, handset::concat(handset::le32(kElement), Bytes(12)))};
   roundTrip(hook, requests[0]);
   state.counters["start_KiB"] = residentKiB(hook.pid());
   size_t count = 0;

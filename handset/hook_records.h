@@ -1,4 +1,4 @@
-// The records that cross the pipes, put together byte by byte.
+// The requests that cross the request pipe, put together byte by byte.
 #pragma once
 
 #include <cstdint>
@@ -7,22 +7,19 @@
 
 namespace handset {
 
-/// A CDMA request with its payload; `msg_len` where it is not the payload's length.
-Bytes cdmaRequest(uint32_t id, ByteView payload = {});
-Bytes cdmaRequest(uint32_t id, ByteView payload, int32_t msg_len);
-/// A CDMA response record.
-Bytes cdmaResponse(uint32_t id, uint32_t status, ByteView payload = {});
+/// The first three words of a CDMA record, and no code.
+inline Bytes cdmaHeader(uint32_t id, int32_t msg_len, uint32_t status) {
+  return concat(le32(id), le32(static_cast<uint32_t>(msg_len)), le32(status), Bytes(6));
+}
+
+/// A CDMA request with its payload.
+inline Bytes cdmaRequest(uint32_t id, ByteView payload = {}) {
+  return concat(cdmaHeader(id, static_cast<int32_t>(payload.size()), 0), payload);
+}
+
 /// A generic request, of message type 0 to 2 in the id's highest byte.
-Bytes genericRequest(uint32_t id, ByteView payload = {});
-/// The reply to a generic request.
-Bytes genericReply(uint32_t id, ByteView payload);
-/// The reply to a generic request that nothing serves.
-Bytes genericErrorReply(uint32_t id);
-/// An unsolicited message of CDMA form.
-Bytes cdmaUnsolicited(uint32_t id, ByteView payload);
-/// An unsolicited message of generic form.
-Bytes genericUnsolicited(uint8_t type, uint32_t id, ByteView payload);
-/// The payload of a generic NV request: four words, then the data of a write.
-Bytes nvPayload(uint32_t index, uint32_t record, uint32_t offset, uint32_t length, ByteView data = {});
+inline Bytes genericRequest(uint32_t id, ByteView payload = {}) {
+  return concat(be32(id), be32(static_cast<uint32_t>(payload.size())), payload);
+}
 
 }  // namespace handset

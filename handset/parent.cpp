@@ -54,18 +54,10 @@ host::UniqueFd moveUp(host::UniqueFd fd) {
 }
 
 std::vector<std::string> environmentOf(const ParentOptions& options) {
-  auto added = options.environment;
-  added.emplace_back("HANDSET_ROOT", options.handset_root);
-  std::vector<std::string> all;
-  for (char** entry = environ; *entry != nullptr; ++entry) {
-    const std::string_view name = std::string_view(*entry).substr(0, std::string_view(*entry).find('='));
-    const bool replaced =
-        std::any_of(added.begin(), added.end(), [name](const auto& pair) { return pair.first == name; });
-    if (!replaced) all.emplace_back(*entry);
-  }
-  for (const auto& [name, value] : added) {
-    if (name != "HANDSET_ROOT" || !value.empty()) all.emplace_back(name).append("=").append(value);
-  }
+  constexpr std::string_view kRoot = "HANDSET_ROOT=";
+  std::vector<std::string> all{std::string(kRoot) + options.handset_root};
+  for (char** entry = environ; *entry != nullptr; ++entry)
+    if (!std::string_view(*entry).starts_with(kRoot)) all.emplace_back(*entry);
   return all;
 }
 

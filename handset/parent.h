@@ -10,7 +10,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "handset/bytes.h"
@@ -27,9 +26,8 @@ inline constexpr int kChildUnsolicitedFd = 5;
 
 struct ParentOptions {
   std::string executable;
-  std::string handset_root;  // empty: HANDSET_ROOT is not set
+  std::string handset_root;
   int instance_id = 0;
-  std::vector<std::pair<std::string, std::string>> environment;  // in addition to this process's own
   /// In place of the three descriptors and the instance id.
   std::optional<std::vector<std::string>> arguments;
 };

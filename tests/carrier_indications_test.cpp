@@ -14,14 +14,14 @@ TEST_F(CarrierIndicationsTest, TheValueIndicationIsWidenedToAWord) {
             hex("00000000 14000000 B0010002 04000000 00000000 000000000000 02010000 0000"));
   EXPECT_TRUE(Logs("Unsol resp 0x12 is handled by Sprint handler."));
   modem_.indicate(0x0012, hex("FF FF"));
-  EXPECT_EQ(NextUnsolicited(), handset::cdmaUnsolicited(0x020001B0, hex("FF FF 00 00")));
+  EXPECT_EQ(NextUnsolicited(), cdmaUnsolicited(0x020001B0, hex("FF FF 00 00")));
 }
 
 TEST_F(CarrierIndicationsTest, TheLteErrorIndicationIsPacked) {
   const Bytes block = pattern(103, 0x80);
   modem_.indicate(0x010B, concat(hex("01 02 03 04  A5  EE EE EE  11 12 13 14"), block, hex("EE")));
   EXPECT_EQ(NextUnsolicited(),
-            handset::cdmaUnsolicited(0x020001B1, concat(hex("01 02 03 04  A5  11 12 13 14"), block)));
+            cdmaUnsolicited(0x020001B1, concat(hex("01 02 03 04  A5  11 12 13 14"), block)));
 }
 
 TEST_F(CarrierIndicationsTest, AnIndicationOfAnotherSizeIsTakenAndDropped) {

@@ -182,7 +182,7 @@ TEST_F(GenericServicesTest, ACoverageTextIsBoundedTo255Bytes) {
 TEST_F(GenericServicesTest, IndicationsOfTheirSizeAreForwardedWhole) {
   const Bytes record = concat(hex("EE EE 02 81 03 00 00 80"), pattern(224));
   modem_.indicate(kPfp, record);
-  EXPECT_EQ(NextUnsolicited(), handset::cdmaUnsolicited(0x0200001D, record));
+  EXPECT_EQ(NextUnsolicited(), cdmaUnsolicited(0x0200001D, record));
   ExpectLine("mypfp_ind_msg_v01: rat = 33026 , tbl_idx = -2147483645 data_size = 232 ");
   modem_.indicate(kPfp, Bytes(231));
   ExpectLine("failed to decode pfp idl data");

@@ -85,14 +85,14 @@ TEST_F(Decode, TheTableHasAllRequestsThatTheProcessServesAndNoOthers) {
   tools::Station station({.executable = KESEXT_BINARY});
   station.start();
   for (uint32_t id = 0x02000000; id <= 0x020000FF; ++id) {
-    const Bytes answer = station.ask(handset::cdmaRequest(id, Bytes(264))).bytes;
+    const Bytes answer = station.ask(cdmaRequest(id, Bytes(264))).bytes;
     const tools::RequestRow* row = tools::findRequest(tools::Family::cdma, id);
     const bool obsolete = row != nullptr && row->command.starts_with("obsolete");
     EXPECT_EQ(handset::getLe<uint32_t>(answer, 8) != 6, row != nullptr && !obsolete) << std::hex << id;
   }
   for (const uint32_t page : {0x030000U, 0x040000U, 0x050000U, 0x060000U, 0x0A0000U})
     for (uint32_t id = page; id < page + 0x100; ++id) {
-      const Bytes answer = station.ask(handset::genericRequest(id, Bytes(8))).bytes;
+      const Bytes answer = station.ask(genericRequest(id, Bytes(8))).bytes;
       const bool served = tools::findRequest(tools::Family::generic, id) != nullptr;
       EXPECT_EQ(!tools::isErrorReply(answer), served) << std::hex << id;
     }

@@ -7,7 +7,7 @@
 #include <set>
 #include <sstream>
 
-#include "handset/hook_records.h"
+#include "support/records.h"
 #include "support/schema.h"
 #include "support/tool_test.h"
 #include "tools/text/words.h"
@@ -16,9 +16,7 @@ namespace kesext_test {
 namespace {
 
 using handset::Bytes;
-using handset::cdmaRequest;
 using handset::concat;
-using handset::genericRequest;
 using handset::hex;
 using handset::le32;
 using ::testing::HasSubstr;
@@ -68,7 +66,7 @@ TEST_F(Send, ArgumentsStandInTheRequestByOrderOrName) {
       {{"plmn", "310", "120"}, genericRequest(0x0A0006, hex("36017800"))},
       {{"coverage", "7", "a b"}, genericRequest(0x050029, hex("07 612062 00"))},
       {{"rde", "write", "10017", "text:ab", "offset=2"},
-       cdmaRequest(0x02000015, handset::nvPayload(10017, 0, 2, 2, hex("6162")))},
+       cdmaRequest(0x02000015, nvPayload(10017, 0, 2, 2, hex("6162")))},
       {{"utility", "1", "0102"}, cdmaRequest(0x0200001E, concat(le32(1), le32(2), hex("0102")), 264)},
       {{"raw", "03", "05"}, hex("0305")},
       {{"force", "akey", "write", "12AB"}, cdmaRequest(0x02000013, hex("31324142"))},

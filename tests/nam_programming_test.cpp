@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "handset/example_nam.h"
 #include "nam/nam_info.h"
 #include "support/hook_process_test.h"
 
@@ -22,6 +21,28 @@ template <size_t Size>
 void put(uint8_t (&field)[Size], std::string_view text) {
   std::fill(std::begin(field), std::end(field), uint8_t{0});
   std::copy_n(text.begin(), std::min(text.size(), Size), field);
+}
+
+/// Well formed in every field, with the code 000000.
+kesext::NamInfo exampleNam() {
+  const auto put = [](auto& field, std::string_view text) { std::copy(text.begin(), text.end(), field); };
+  kesext::NamInfo info{};
+  put(info.mdn, "5551234560");
+  put(info.min, "6195551234");
+  info.homeSid = 4183;
+  info.homeNid = 65535;
+  info.scm = 0xAA;
+  put(info.imsi11_12, "12");
+  put(info.mcc, "310");
+  info.pChannelA = 283;
+  info.pChannelB = 384;
+  info.sChannelA = 691;
+  info.sChannelB = 777;
+  info.vocoder = 3;
+  put(info.imsiT, "310120123456789");
+  info.accessOverloadClass = 4;
+  put(info.newSpc, "000000");
+  return info;
 }
 
 class NamProgrammingTest : public ServingTest {
@@ -73,7 +94,7 @@ TEST_F(NamProgrammingTest, AWriteSetsItsBytesAndKeepsTheOthers) {
   const auto kept = [&old](size_t from, size_t to) {
     return Bytes(old.begin() + static_cast<ptrdiff_t>(from), old.begin() + static_cast<ptrdiff_t>(to));
   };
-  EXPECT_EQ(Write(handset::exampleNam()), 0U);
+  EXPECT_EQ(Write(exampleNam()), 0U);
   const std::pair<uint32_t, Bytes> expected[] = {
       {8, hex("00 0A 05 05 05 01 02 03 04 05 06 0A 00 00 00 00 00")},
       {25, concat(hex("00"), kept(1, 5), hex("7B 04 6F 00"))},
@@ -96,7 +117,7 @@ TEST_F(NamProgrammingTest, AWriteSetsItsBytesAndKeepsTheOthers) {
 }
 
 TEST_F(NamProgrammingTest, WhatWasWrittenIsReadBackAndEveryAccessAndValueLogged) {
-  kesext::NamInfo info = handset::exampleNam();
+  kesext::NamInfo info = exampleNam();
   put(info.mdn, "50");
   EXPECT_EQ(Write(info), 0U);
   EXPECT_EQ(modem_.requests().size(), 22U);
@@ -108,7 +129,7 @@ TEST_F(NamProgrammingTest, WhatWasWrittenIsReadBackAndEveryAccessAndValueLogged)
 }
 
 TEST_F(NamProgrammingTest, ValuesAreCutAndOddOnesConverted) {
-  kesext::NamInfo info = handset::exampleNam();
+  kesext::NamInfo info = exampleNam();
   put(info.mdn, "1234567890123456");
   info.homeSid = 0x12345;
   info.homeNid = 0x2FFFF;
@@ -129,7 +150,7 @@ TEST_F(NamProgrammingTest, ValuesAreCutAndOddOnesConverted) {
 }
 
 TEST_F(NamProgrammingTest, AnotherCodeOfDigitsIsChangedAfterTheItems) {
-  kesext::NamInfo info = handset::exampleNam();
+  kesext::NamInfo info = exampleNam();
   put(info.newSpc, "000001");
   const std::vector<std::string> only = {"> dms",         "Spc",      "write_spc",
                                          "Write success", "COMPLETE", "ERROR FOUND"};
@@ -144,9 +165,9 @@ TEST_F(NamProgrammingTest, AnotherCodeOfDigitsIsChangedAfterTheItems) {
 }
 
 TEST_F(NamProgrammingTest, AWriteTakesTheWholeRecordWhateverItsLength) {
-  EXPECT_EQ(Ask(cdmaRequest(kSet, handset::recordBytes(handset::exampleNam()), 1)), cdmaResponse(kSet, 0));
+  EXPECT_EQ(Ask(cdmaRequest(kSet, handset::recordBytes(exampleNam()), 1)), cdmaResponse(kSet, 0));
   EXPECT_EQ(modem_.element(2), hex("00 00 04"));
-  Bytes cut = cdmaRequest(kSet, handset::recordBytes(handset::exampleNam()));
+  Bytes cut = cdmaRequest(kSet, handset::recordBytes(exampleNam()));
   cut.resize(18 + 20);
   EXPECT_EQ(Ask(cut), cdmaResponse(kSet, 0));
   EXPECT_EQ(modem_.element(2), hex("00 00 00"));
@@ -178,7 +199,7 @@ TEST_F(NamProgrammingTest, ACodeThatIsNotSixDigitsIsNotChanged) {
                                                                  {"000000", "1234\xC3\xA9"},
                                                                  {"1\0aabc"sv, "1\0bdef"sv}};
   for (const auto& [spc, new_spc] : codes) {
-    kesext::NamInfo info = handset::exampleNam();
+    kesext::NamInfo info = exampleNam();
     put(info.newSpc, new_spc);
     EXPECT_EQ(Ask(WriteRequest(info, spc)).at(8), 0U);
     EXPECT_EQ(modem_.takeRequests().size(), 22U) << "the items, and no change";
@@ -193,26 +214,26 @@ TEST_F(NamProgrammingTest, EveryWriteStepThatFailsIsNamedAndStopsNothing) {
   for (uint32_t step = 0; step < std::size(kItems); ++step) {
     modem_.takeRequests();
     ModemRefuses(kRdeWriteId, {kItems[step]});
-    EXPECT_EQ(Write(handset::exampleNam()), 5U);
+    EXPECT_EQ(Write(exampleNam()), 5U);
     EXPECT_EQ(NamLogs().back(),
               E("kesext_hook_sprint_set_nam_block_request_info:  ERROR FOUND " + std::to_string(step) + " "));
     EXPECT_EQ(modem_.requests().size(), 22U);
   }
   ModemRefuses(kRdeWriteId, {kItems[3], kItems[9]});
-  EXPECT_EQ(Write(handset::exampleNam()), 5U);
+  EXPECT_EQ(Write(exampleNam()), 5U);
   EXPECT_EQ(NamLogs().back(), E("kesext_hook_sprint_set_nam_block_request_info:  ERROR FOUND 3 "));
 }
 
 TEST_F(NamProgrammingTest, AFailedReadWritesZerosWhereItWouldHaveKept) {
   FillElements();
   ModemRefuses(kRdeReadId, {15});
-  EXPECT_EQ(Write(handset::exampleNam()), 0U);
+  EXPECT_EQ(Write(exampleNam()), 0U);
   const Bytes pairs = modem_.element(15).value();
   EXPECT_EQ(Bytes(pairs.begin(), pairs.begin() + 81), concat(hex("00 57 10 FF FF"), Bytes(76)));
 }
 
 TEST_F(NamProgrammingTest, EveryReadStepThatFailsLeavesTheRecordZero) {
-  Write(handset::exampleNam());
+  Write(exampleNam());
   for (const uint32_t item : kItems) {
     ModemRefuses(kRdeReadId, {item});
     Record("without item " + std::to_string(item), cdmaRequest(kGet), {"ERROR FOUND", "COMPLETE", "VALUE M"});
@@ -222,7 +243,7 @@ TEST_F(NamProgrammingTest, EveryReadStepThatFailsLeavesTheRecordZero) {
 }
 
 TEST_F(NamProgrammingTest, OddItemsReadWithoutError) {
-  Write(handset::exampleNam());
+  Write(exampleNam());
   const std::pair<const char*, const char*> numbers[] = {
       {"no digits", "00 00 05 05"},
       {"ends at a zero byte", "00 03 05 00 05"},

@@ -3,21 +3,18 @@
 
 #include <algorithm>
 
-#include "handset/hook_records.h"
 #include "nv/nv_requests.h"
 #include "support/golden.h"
+#include "support/records.h"
 #include "support/unit_test.h"
 
 namespace kesext_test {
 namespace {
 
 using handset::Bytes;
-using handset::cdmaRequest;
-using handset::cdmaResponse;
 using handset::concat;
 using handset::hex;
 using handset::le32;
-using handset::nvPayload;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 

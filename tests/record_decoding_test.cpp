@@ -13,13 +13,7 @@ namespace {
 
 using handset::Bytes;
 using handset::ByteView;
-using handset::cdmaRequest;
-using handset::cdmaResponse;
-using handset::cdmaUnsolicited;
 using handset::concat;
-using handset::genericReply;
-using handset::genericRequest;
-using handset::genericUnsolicited;
 using handset::hex;
 using ::testing::HasSubstr;
 using tools::decodeAs;
@@ -117,8 +111,8 @@ TEST(RecordDecoding, KindsAreToldApartByIdsLengthsAndZeros) {
       {cdmaResponse(0x020000BC, 0, Bytes(4)), answer, std::nullopt},
       {genericRequest(0x0A0006, Bytes(4)), request, std::nullopt},
       {genericReply(0x0A0006, Bytes(4)), answer, std::nullopt},
-      {handset::genericErrorReply(0x03050019), answer, std::nullopt},
-      {handset::genericErrorReply(0x07000002), answer, std::nullopt},
+      {genericErrorReply(0x03050019), answer, std::nullopt},
+      {genericErrorReply(0x07000002), answer, std::nullopt},
       {cdmaUnsolicited(1111, Bytes(22)), unsolicited, std::nullopt},
       {genericUnsolicited(1, 0x040003, Bytes(32)), unsolicited, std::nullopt},
       {genericRequest(0x060001), request, answer},

@@ -23,20 +23,19 @@
 #include "generic/signal_coverage.h"
 #include "generic/utility_requests.h"
 #include "handset/folder.h"
-#include "handset/hook_records.h"
 #include "nam/engineering_data.h"
 #include "nv/nv_requests.h"
 #include "platform/qmi_client.h"
 #include "qmi/send.h"
 #include "qmi/service_wait.h"
 #include "support/golden.h"
+#include "support/records.h"
 #include "support/unit_test.h"
 
 namespace kesext_test {
 namespace {
 
 using handset::Bytes;
-using handset::cdmaResponse;
 using handset::hex;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -100,7 +99,7 @@ TEST_F(SafeguardsTest, NullPointersAreLogged) {
 }
 
 TEST_F(SafeguardsTest, WithoutMemoryTheRequestIsDeclinedAndTheMessageDropped) {
-  const kesext::HookRequest& request = Request(handset::cdmaRequest(0x020000BC));
+  const kesext::HookRequest& request = Request(cdmaRequest(0x020000BC));
   fake_out_of_memory = true;
   EXPECT_EQ(kesext::kesext_hook_sprint_handler(&request, 0xFFFFFFFF, 0), 0xFFFFFFFFU);
   EXPECT_EQ(fake_log.back(), "E kesext_hook_sprint_send_response: ENTER FUNCTION 33554620 ");
@@ -111,8 +110,7 @@ TEST_F(SafeguardsTest, WithoutMemoryTheRequestIsDeclinedAndTheMessageDropped) {
 }
 
 TEST_F(SafeguardsTest, WithoutMemoryAnElementIsReadOnceAndAnsweredWithAFailure) {
-  const kesext::HookRequest& request =
-      Request(handset::cdmaRequest(0x02000016, handset::nvPayload(53, 0, 0, 0)));
+  const kesext::HookRequest& request = Request(cdmaRequest(0x02000016, nvPayload(53, 0, 0, 0)));
   fake_out_of_memory = true;
   EXPECT_EQ(kesext::kesext_hook_sprint_handler(&request, 0xFFFFFFFF, 0), 0U);
   EXPECT_EQ(Written(), cdmaResponse(0x02000016, 5));
@@ -121,7 +119,7 @@ TEST_F(SafeguardsTest, WithoutMemoryAnElementIsReadOnceAndAnsweredWithAFailure) 
 
 TEST_F(SafeguardsTest, WithoutMemoryTheShortAnswersAndTheFailuresStillGoOut) {
   fake_out_of_memory = true;
-  const kesext::HookRequest& cdma = Request(handset::cdmaRequest(0x02000017));
+  const kesext::HookRequest& cdma = Request(cdmaRequest(0x02000017));
   kesext::sendStatusResponse(&cdma, 6);
   EXPECT_EQ(Written(), cdmaResponse(0x02000017, 6));
   kesext::handleNvReadRequest(cdma, 0x26, 0);
@@ -130,7 +128,7 @@ TEST_F(SafeguardsTest, WithoutMemoryTheShortAnswersAndTheFailuresStillGoOut) {
   EXPECT_EQ(Written(), cdmaResponse(0x02000017, 5));
   kesext::handleUtilsRequest(cdma, 0, 0);
   EXPECT_EQ(Written(), cdmaResponse(0x02000017, 5));
-  const kesext::HookRequest& generic = Request(handset::genericRequest(0x05002A));
+  const kesext::HookRequest& generic = Request(genericRequest(0x05002A));
   kesext::sendGenericErrorResponse(generic.bytes.data());
   EXPECT_EQ(Written(), hex("00 05 00 2A FF FF FF FF"));
   kesext::handleSysInfoFilter(generic, 0, 0);

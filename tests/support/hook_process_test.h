@@ -10,7 +10,7 @@
 
 #include "handset/bytes.h"
 #include "handset/folder.h"
-#include "handset/hook_records.h"
+#include "support/records.h"
 #include "handset/modem.h"
 #include "handset/parent.h"
 #include "support/golden.h"
@@ -18,15 +18,9 @@
 namespace kesext_test {
 
 using handset::Bytes;
-using handset::cdmaRequest;
-using handset::cdmaResponse;
 using handset::concat;
-using handset::genericReply;
-using handset::genericRequest;
-using handset::genericUnsolicited;
 using handset::hex;
 using handset::le32;
-using handset::nvPayload;
 using handset::Service;
 
 /// Vendor messages by name.

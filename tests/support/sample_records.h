@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "handset/bytes.h"
-#include "handset/hook_records.h"
+#include "support/records.h"
 #include "tools/records/encode.h"
 #include "tools/records/decode.h"
 
@@ -43,21 +43,21 @@ inline handset::Bytes SamplePayload(tools::Fields fields) {
 
 inline handset::Bytes SampleRequest(const tools::RequestRow& row) {
   const handset::Bytes payload = SamplePayload(row.request);
-  return row.family == tools::Family::cdma ? handset::cdmaRequest(row.id, payload)
-                                           : handset::genericRequest(row.id, payload);
+  return row.family == tools::Family::cdma ? cdmaRequest(row.id, payload)
+                                           : genericRequest(row.id, payload);
 }
 
 /// A successful answer with a header.
 inline handset::Bytes SampleAnswer(const tools::RequestRow& row) {
   const handset::Bytes payload = SamplePayload(row.answer);
-  return row.family == tools::Family::cdma ? handset::cdmaResponse(row.id, 0, payload)
-                                           : handset::genericReply(row.id, payload);
+  return row.family == tools::Family::cdma ? cdmaResponse(row.id, 0, payload)
+                                           : genericReply(row.id, payload);
 }
 
 inline handset::Bytes SampleUnsolicited(const tools::UnsolicitedRow& row) {
   const handset::Bytes payload = SamplePayload(row.payload);
-  return row.family == tools::Family::cdma ? handset::cdmaUnsolicited(row.id, payload)
-                                           : handset::genericUnsolicited(0, row.id, payload);
+  return row.family == tools::Family::cdma ? cdmaUnsolicited(row.id, payload)
+                                           : genericUnsolicited(0, row.id, payload);
 }
 
 struct SampleRecord {
