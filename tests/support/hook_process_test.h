@@ -10,10 +10,10 @@
 
 #include "handset/bytes.h"
 #include "handset/folder.h"
-#include "support/records.h"
 #include "handset/modem.h"
 #include "handset/parent.h"
 #include "support/golden.h"
+#include "support/records.h"
 
 namespace kesext_test {
 

@@ -6,8 +6,8 @@
 
 #include "handset/bytes.h"
 #include "support/records.h"
-#include "tools/records/encode.h"
 #include "tools/records/decode.h"
+#include "tools/records/encode.h"
 
 namespace kesext_test {
 
@@ -43,15 +43,13 @@ inline handset::Bytes SamplePayload(tools::Fields fields) {
 
 inline handset::Bytes SampleRequest(const tools::RequestRow& row) {
   const handset::Bytes payload = SamplePayload(row.request);
-  return row.family == tools::Family::cdma ? cdmaRequest(row.id, payload)
-                                           : genericRequest(row.id, payload);
+  return row.family == tools::Family::cdma ? cdmaRequest(row.id, payload) : genericRequest(row.id, payload);
 }
 
 /// A successful answer with a header.
 inline handset::Bytes SampleAnswer(const tools::RequestRow& row) {
   const handset::Bytes payload = SamplePayload(row.answer);
-  return row.family == tools::Family::cdma ? cdmaResponse(row.id, 0, payload)
-                                           : genericReply(row.id, payload);
+  return row.family == tools::Family::cdma ? cdmaResponse(row.id, 0, payload) : genericReply(row.id, payload);
 }
 
 inline handset::Bytes SampleUnsolicited(const tools::UnsolicitedRow& row) {
