@@ -91,12 +91,8 @@ std::vector<std::string> compareQuestion(const Question& expected, const handset
     const ByteView wanted = ByteView(*expected.body).subspan(at, field.size);
     at += field.size;
     if (std::equal(was.begin(), was.end(), wanted.begin(), wanted.end())) continue;
-    const std::string differs =
-        field.kind == FieldKind::bytes
-            ? " " + difference(was, wanted)
-            : fmt::format(": expected {}, not {}", valueOf(field.kind, wanted), valueOf(field.kind, was));
     wrong.push_back(
-        fmt::format("{} {}{}", handset::messageName(asked.service, asked.id), field.name, differs));
+        fmt::format("{} {}", handset::messageName(asked.service, asked.id), difference(field, was, wanted)));
   }
   return wrong;
 }

@@ -31,6 +31,9 @@ bool doStep(const Step& step, Play& play) {
   try {
     for (const Deed& deed : step.deeds)
       deed(play);
+    if (play.exit.value_or(step.exit_expected) != step.exit_expected)
+      play.wrong.push_back(
+          fmt::format("exit: expected {}, but {}", step.exit_expected, describeEnd(*play.exit)));
   } catch (const ProcessTrouble& trouble) {
     play.wrong.emplace_back(trouble.what());
     return false;
@@ -40,118 +43,89 @@ bool doStep(const Step& step, Play& play) {
   return true;
 }
 
-Json describeStep(size_t number, const Step& step, const Play& play, bool times) {
-  const auto record = [times](const PlayedRecord& played) {
-    Json json = toJson(played.decoded, played.bytes);
-    addMoment(json, played.moment, times);
-    return json;
-  };
-  Json result{{"step", number},
-              {"title", step.title},
-              {"result", outcomeName(play.wrong.empty() ? Outcome::good : Outcome::wrong)},
-              {"wrong", play.wrong}};
-  if (play.request) result["request"] = record(*play.request);
-  if (play.answer) result["answer"] = record(*play.answer);
-  for (const PlayedRecord& message : play.messages)
-    result["messages"].push_back(record(message));
+Json describe(Outcome outcome, size_t number, const Step& step, const Play& play, bool times) {
+  Json result{
+      {"step", number}, {"title", step.title}, {"result", outcomeName(outcome)}, {"wrong", play.wrong}};
+  for (const PlayedRecord& record : play.records) {
+    Json json = toJson(record.decoded, record.bytes);
+    addMoment(json, record.moment, times);
+    if (record.direction == "message")
+      result["messages"].push_back(json);
+    else
+      result[std::string(record.direction)] = json;
+  }
   for (const Happening& happening : play.crossings)
     addHappening(result, happening, times);
   return result;
 }
 
-/// Plays scenarios and shows each step, or keeps the results for scripts.
-class Player {
- public:
-  Player(const PlayOptions& options, const Common& common)
-      : options_(options), common_(common), console_(common.colour, options.times) {}
-
-  /// Whether all steps were as expected.
-  bool play(const std::vector<Scenario>& scenarios);
-
- private:
-  /// The steps' results.
-  Json play(const Scenario& scenario);
-  void show(size_t number, const Step& step, const Play& play) const;
-
-  const PlayOptions& options_;
-  const Common& common_;
-  const Console console_;
-  size_t steps_ = 0;
-  size_t good_ = 0;
-};
-
-void Player::show(size_t number, const Step& step, const Play& play) const {
-  if (options_.show) fmt::print("\n");
-  console_.outcome(number, play.wrong.empty() ? Outcome::good : Outcome::wrong, step.title);
+void show(const Console& console, Outcome outcome, size_t number, const Step& step, const Play& play,
+          bool whole) {
+  console.outcome(number, outcome, step.title);
   for (const std::string& text : play.wrong)
-    console_.note(text);
-  const bool all = options_.show || !play.wrong.empty();
-  for (const std::string& line : all ? step.typed : std::vector<std::string>())
-    console_.note("hook> " + line);
+    console.note(text);
+  for (const std::string& line : whole ? step.typed : std::vector<std::string>())
+    console.note("hook> " + line);
   for (const Happening& happening : play.crossings)
-    tools::show(console_, happening);
-  if (!all) return;
-  const auto showRecord = [this](std::string_view direction, const PlayedRecord& record) {
-    console_.record(direction, record.decoded, record.bytes, record.moment);
-  };
-  if (play.request) showRecord("request", *play.request);
-  if (play.answer) showRecord("answer", *play.answer);
-  for (const PlayedRecord& message : play.messages)
-    showRecord("message", message);
+    show(console, happening);
+  for (const PlayedRecord& record : whole ? play.records : std::vector<PlayedRecord>())
+    console.record(record.direction, record.decoded, record.bytes, record.moment);
 }
 
-Json Player::play(const Scenario& scenario) {
-  Station station({.executable = common_.executable, .root = options_.root});
-  station.modem().recordCrossings(options_.trace);
-  if (!options_.json) console_.section(scenario.title);
+/// Plays a scenario and shows each step, or only gives the steps' results for scripts.
+Json play(const Scenario& scenario, const PlayOptions& options, const Common& common,
+          const Console& console) {
+  Station station({.executable = common.executable, .root = options.root});
+  station.modem().recordCrossings(options.trace);
+  if (!options.json) console.section(scenario.title);
   Json results = Json::array();
   bool goes_on = true;
   for (const Step& step : scenario.steps) {
-    const size_t number = results.size() + 1;
-    if (!goes_on) {
-      results.push_back(
-          {{"step", number}, {"title", step.title}, {"result", outcomeName(Outcome::notPlayed)}});
-      if (!options_.json) console_.outcome(number, Outcome::notPlayed, step.title);
-      continue;
-    }
     Play played(station);
-    goes_on = doStep(step, played);
+    Outcome outcome = Outcome::notPlayed;
+    if (goes_on) {
+      goes_on = doStep(step, played);
+      outcome = played.wrong.empty() ? Outcome::good : Outcome::wrong;
+    }
     append(played.crossings, station.modem().takeCrossings());
     sortByTime(played.crossings);
-    if (played.wrong.empty()) ++good_;
-    results.push_back(describeStep(number, step, played, options_.times));
-    if (!options_.json) show(number, step, played);
+    const size_t number = results.size() + 1;
+    results.push_back(describe(outcome, number, step, played, options.times));
+    if (options.show) fmt::print("\n");
+    if (!options.json)
+      show(console, outcome, number, step, played, options.show || outcome == Outcome::wrong);
     flushOutput();
   }
-  steps_ += results.size();
   return results;
 }
 
-bool Player::play(const std::vector<Scenario>& scenarios) {
-  Json all = Json::array();
-  std::vector<std::string> wrong;
-  for (const Scenario& scenario : scenarios) {
-    const size_t missing = steps_ - good_;
-    Json steps = play(scenario);
-    if (steps_ - good_ > missing) wrong.push_back(scenario.file);
-    all.push_back({{"scenario", scenario.title}, {"file", scenario.file}, {"steps", std::move(steps)}});
-  }
-  if (options_.json) {
-    const bool one_file = options_.paths.size() == 1 && !fs::is_directory(options_.paths.front());
-    printJson(one_file ? all.front().at("steps") : all);
-    return wrong.empty();
-  }
-  console_.section(fmt::format("{} of {} steps as expected", good_, steps_));
-  for (const std::string& file : scenarios.size() > 1 ? wrong : std::vector<std::string>())
-    console_.note("not as expected: " + file);
-  return wrong.empty();
-}
-
-void run(Common& common, const PlayOptions& options) {
+/// Plays all and tells how it went; the exit status.
+int playAll(const PlayOptions& options, const Common& common) {
+  const Console console(common.colour, options.times);
   std::vector<Scenario> scenarios;
   for (const std::string& file : scenarioFiles(options.paths))
     scenarios.push_back(readScenario(file));
-  common.status = Player(options, common).play(scenarios) ? kStatusGood : kStatusWrong;
+  Json all = Json::array();
+  size_t steps = 0;
+  size_t good = 0;
+  std::string wrong;
+  for (const Scenario& scenario : scenarios) {
+    const Json results = play(scenario, options, common, console);
+    const auto is_good = [](const Json& step) { return step.at("result") == outcomeName(Outcome::good); };
+    const auto good_here = static_cast<size_t>(std::count_if(results.begin(), results.end(), is_good));
+    if (good_here < results.size()) wrong += fmt::format("    not as expected: {}\n", scenario.file);
+    steps += results.size();
+    good += good_here;
+    all.push_back({{"scenario", scenario.title}, {"file", scenario.file}, {"steps", results}});
+  }
+  const bool one_file = options.paths.size() == 1 && !fs::is_directory(options.paths.front());
+  if (options.json) {
+    printJson(one_file ? all.front().at("steps") : all);
+  } else {
+    console.section(fmt::format("{} of {} steps as expected", good, steps));
+    fmt::print("{}", one_file ? "" : wrong);
+  }
+  return wrong.empty() ? kStatusGood : kStatusWrong;
 }
 
 /// The tour's scenarios: where they are installed, or in the source tree.
@@ -185,14 +159,16 @@ void addPlayCommand(CLI::App& tool, Common& common) {
                     "{\"scenario\", \"file\",\n\"steps\"}");
   command->footer(
       scenarioFormat() +
-      "\nAll files are checked before anything is started. The status is 0 when all steps were as "
-      "expected, 1 when one\nwas not, 2 when a file is wrong.\n\n"
+      "\nEach file has a fresh handset, unless --root names one for all. All files are checked before "
+      "anything "
+      "is started.\nThe status is 0 when all steps were as expected, 1 when one was not, 2 when a file is "
+      "wrong.\n\n"
       "Example of a step:\n"
       "  {\"title\": \"Read it back\", \"request\": \"nam read\",\n"
       "   \"expect\": {\"status\": \"success\", \"fields\": {\"mdn\": \"5551234560\", "
       "\"homeSid\": 4183}}}\n\n"
       "Examples:\n  hookctl play scenarios/provisioning.json\n  hookctl play --show scenarios/tour");
-  command->callback([&common, options] { run(common, *options); });
+  command->callback([&common, options] { common.status = playAll(*options, common); });
 }
 
 void addTourCommand(CLI::App& tool, Common& common) {
@@ -202,7 +178,7 @@ void addTourCommand(CLI::App& tool, Common& common) {
       "The tour is scenarios, played with each record shown, as by hookctl play --show. The lines behind "
       "hook> can "
       "be typed\nin hookctl shell. The status is 1 when something was not as expected.");
-  command->callback([&common] { run(common, {.paths = {tourFolder()}, .show = true}); });
+  command->callback([&common] { common.status = playAll({.paths = {tourFolder()}, .show = true}, common); });
 }
 
 }  // namespace tools

@@ -167,4 +167,10 @@ std::string difference(ByteView received, ByteView expected) {
                      received.size(), some(expected), some(received), expected.size());
 }
 
+std::string difference(const FieldSpec& field, ByteView received, ByteView expected) {
+  if (field.kind == FieldKind::bytes) return fmt::format("{} {}", field.name, difference(received, expected));
+  return fmt::format("{}: expected {}, not {}", field.name, valueOf(field.kind, expected),
+                     valueOf(field.kind, received));
+}
+
 }  // namespace tools

@@ -29,4 +29,7 @@ std::string quoted(handset::ByteView bytes);
 /// The first bytes that differ, beside what they should be.
 std::string difference(handset::ByteView received, handset::ByteView expected);
 
+/// The same of a field, in words where it has any: "timer: expected 31, not 30".
+std::string difference(const FieldSpec& field, handset::ByteView received, handset::ByteView expected);
+
 }  // namespace tools

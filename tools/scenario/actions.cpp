@@ -4,110 +4,90 @@
 #include "tools/bench/modem_control.h"
 #include "tools/records/encode.h"
 #include "tools/scenario/files.h"
-#include "tools/scenario/steps.h"
+#include "tools/scenario/scenario.h"
 #include "tools/text/usage_error.h"
 
 namespace tools {
 
 namespace {
 
-using handset::Bytes;
-
 void needProcess(const Reading& reading) {
   if (!reading.running)
     throw UsageError(R"(the process does not run here; a step with "process": "start" goes before)");
 }
 
-/// A record that came. Nothing has to be expected of it for it to make sense.
-PlayedRecord taken(Play& play, std::string_view what, const Bytes& bytes, DecodedRecord decoded,
-                   Moment moment) {
-  if (decoded.problem)
-    play.wrong.push_back(fmt::format("the {} does not parse, at byte {}: {}", what, decoded.problem->offset,
-                                     decoded.problem->text));
-  return {bytes, std::move(decoded), moment};
-}
-
-struct ProcessWord {
-  std::string_view name;
-  bool ends;
-  bool starts;
-};
-constexpr ProcessWord kProcessWords[] = {
-    {"start", false, true}, {"end", true, false}, {"restart", true, true}};
-
-void tellProcess(Play& play, const ProcessWord& word) {
-  if (word.ends) play.exit = play.station.end();
-  if (word.ends && !play.exit) throw play.station.trouble("the process does not end when its requests do");
-  if (!word.starts) return;
-  play.station.start();
-  play.log_mark = 0;
+/// Keeps a record that came. Nothing has to be expected of it for it to make sense.
+void take(Play& play, PlayedRecord record) {
+  if (const auto& problem = record.decoded.problem)
+    play.wrong.push_back(fmt::format("the {} does not parse, at byte {}: {}", record.direction,
+                                     problem->offset, problem->text));
+  play.records.push_back(std::move(record));
 }
 
 Deed readProcess(const Json& value, Reading& reading) {
-  for (const ProcessWord& word : kProcessWords) {
-    if (word.name != textOf(value)) continue;
-    if (word.ends) needProcess(reading);
-    if (!word.ends && reading.running) throw UsageError("the process runs already");
-    reading.running = word.starts;
-    reading.ends_process = word.ends;
-    if (word.starts) reading.typed = {"restart"};
-    return [word](Play& play) { tellProcess(play, word); };
-  }
-  throw UsageError(fmt::format("takes start, end or restart, not '{}'", textOf(value)));
+  const std::string& word = textOf(value);
+  const bool ends = word == "end" || word == "restart";
+  const bool starts = word == "start" || word == "restart";
+  if (!ends && !starts) throw UsageError(fmt::format("takes start, end or restart, not '{}'", word));
+  if (ends) needProcess(reading);
+  if (!ends && reading.running) throw UsageError("the process runs already");
+  reading.running = starts;
+  reading.ends_process = ends;
+  if (starts) reading.step.typed = {"restart"};
+  return [ends, starts](Play& play) {
+    if (ends) play.exit = play.station.end();
+    if (ends && !play.exit) throw play.station.trouble("the process does not end when its requests do");
+    if (!starts) return;
+    play.station.start();
+    play.log_mark = 0;
+  };
 }
 
 Deed readRequest(const Json& value, Reading& reading) {
   reading.request = encodeWords(splitWords(textOf(value)));
-  reading.typed = {textOf(value)};
+  reading.step.typed = {textOf(value)};
   needProcess(reading);
   return [request = reading.request](Play& play) {
-    play.request = {request, decodeRequest(request), {}};
+    play.records.push_back({"request", request, decodeRequest(request), {}});
     const Answer answer = play.station.ask(request);
-    play.request->moment = {.time = answer.asked};
-    play.answer =
-        taken(play, "answer", answer.bytes, decodeAnswer(request, answer.bytes), {answer.came, answer.asked});
+    play.records.back().moment = {.time = answer.asked};
+    take(play, {"answer", answer.bytes, decodeAnswer(request, answer.bytes), {answer.came, answer.asked}});
     // The log is complete then.
     play.station.process().waitForLogSince(play.log_mark, "Child process waiting for data");
   };
 }
 
-std::vector<ModemOrder> readOrders(const Json& value, Reading& reading, std::string_view before,
-                                   ModemOrder (*read)(Words)) {
-  return readEach(value, [&](const Json& line) {
-    reading.typed.push_back(fmt::format("{} {}", before, textOf(line)));
-    return read(splitWords(textOf(line)));
-  });
-}
-
-void tellModem(Play& play, const std::vector<ModemOrder>& orders) {
-  for (const ModemOrder& order : orders)
-    order(play.station.modem());
-}
-
-ModemOrder readOrder(Words words) {
-  if (!words.empty() && words.front() == "indicate")
-    throw UsageError(R"(an indication is a step of its own: "indicate": "NAME ...")");
-  return modemOrder(words);
+/// Lines of words for the modem, which are typed behind others in the shell.
+Deed readOrders(const Json& value, Reading& reading, std::string_view behind, ModemOrder (*read)(Words)) {
+  return [orders = readEach(value, [&](const Json& line) {
+            reading.step.typed.push_back(fmt::format("{} {}", behind, textOf(line)));
+            return read(splitWords(textOf(line)));
+          })](Play& play) {
+    for (const ModemOrder& order : orders)
+      order(play.station.modem());
+  };
 }
 
 Deed readModem(const Json& value, Reading& reading) {
-  return [orders = readOrders(value, reading, "modem", readOrder)](Play& play) { tellModem(play, orders); };
+  return readOrders(value, reading, "modem", [](Words words) {
+    if (!words.empty() && words.front() == "indicate")
+      throw UsageError(R"(an indication is a step of its own: "indicate": "NAME ...")");
+    return modemOrder(words);
+  });
 }
 
 Deed readIndicate(const Json& value, Reading& reading) {
-  const std::vector<ModemOrder> orders = readOrders(value, reading, "modem indicate", indication);
+  const Deed indicate = readOrders(value, reading, "modem indicate", indication);
   needProcess(reading);
   reading.indicates = true;
-  return [orders](Play& play) {
-    tellModem(play, orders);
-    if (!play.station.settle()) {
+  return [indicate](Play& play) {
+    indicate(play);
+    if (!play.station.settle())
       play.wrong.emplace_back("the process has no link to the modem, so it heard nothing");
-      return;
-    }
     // Everything was written before the process came to the end of the indications.
     while (auto message = play.station.process().nextUnsolicited(handset::Millis(0)))
-      play.messages.push_back(taken(play, "message", *message, decodeUnsolicited(*message),
-                                    {.time = std::chrono::steady_clock::now()}));
+      take(play,
+           {"message", *message, decodeUnsolicited(*message), {.time = std::chrono::steady_clock::now()}});
   };
 }
 

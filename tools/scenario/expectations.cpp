@@ -5,9 +5,10 @@
 #include <limits>
 
 #include "tools/bench/question.h"
+#include "tools/records/encode.h"
 #include "tools/records/field_value.h"
 #include "tools/scenario/files.h"
-#include "tools/scenario/steps.h"
+#include "tools/scenario/scenario.h"
 #include "tools/text/usage_error.h"
 #include "tools/text/words.h"
 
@@ -16,6 +17,9 @@ namespace tools {
 namespace {
 
 using handset::Bytes;
+using handset::ByteView;
+/// What a record has otherwise than expected, a text for each.
+using RecordCheck = std::function<std::vector<std::string>(const PlayedRecord&)>;
 
 constexpr size_t kLinesShown = 8;
 /// Every action waits until its last line is logged. Only what another thread of the process does then has to
@@ -45,10 +49,6 @@ const RequestRow* needRequest(const Reading& reading) {
   return findRequest(reading.request);
 }
 
-std::string describeStatus(uint32_t status) {
-  return fmt::format("{} ({})", status, statusName(status));
-}
-
 Deed readStatus(const Json& value, Reading& reading) {
   const RequestRow* row = needRequest(reading);
   if (row != nullptr && row->bare_answer)
@@ -57,11 +57,74 @@ Deed readStatus(const Json& value, Reading& reading) {
       value.is_string() ? rowByName(statusTable(), "status", textOf(value)).status
                         : static_cast<uint32_t>(numberOf(value, 0, std::numeric_limits<uint32_t>::max()));
   return [expected](Play& play) {
-    const uint32_t status = answerStatus(play.answer->decoded, play.answer->bytes);
+    constexpr FieldSpec kStatus{"status", sizeof(uint32_t), FieldKind::status};
+    const uint32_t status = answerStatus(play.answer().decoded, play.answer().bytes);
     if (status != expected)
-      play.wrong.push_back(
-          fmt::format("status: expected {}, not {}", describeStatus(expected), describeStatus(status)));
+      play.wrong.push_back(difference(kStatus, handset::le32(status), handset::le32(expected)));
   };
+}
+
+/// A field's value as a person would type it on the command line.
+std::string writtenValue(const FieldSpec& shape, const Json& value) {
+  if (value.is_string()) return value.get<std::string>();
+  if (value.is_number_integer()) return value.dump();
+  if (!value.is_array() || shape.kind != FieldKind::words)
+    throw UsageError(fmt::format("{}: takes a text or a number, not {}", shape.name, value.dump()));
+  return fmt::format("{}", fmt::join(readEach(value, [](const Json& word) { return word.dump(); }), ","));
+}
+
+const FieldSpec& fieldOf(std::string_view owner, Fields fields, const std::string& name) {
+  const std::vector<std::string_view> names = argumentNames(fields);
+  for (const FieldSpec& field : fields)
+    if (field.name == name && field.kind != FieldKind::zeros) return field;
+  throw UsageError(fmt::format("{} has no field '{}'{}; it has {}", owner, name, didYouMean(name, names),
+                               fmt::join(names, ", ")));
+}
+
+/// The payload's field of this name; a header's field of the same name stands before it.
+const DecodedField* findLast(const DecodedRecord& decoded, std::string_view name) {
+  const auto found = std::find_if(decoded.fields.rbegin(), decoded.fields.rend(),
+                                  [name](const DecodedField& field) { return field.name == name; });
+  return found != decoded.fields.rend() ? &*found : nullptr;
+}
+
+/// {"NAME": VALUE, ...}: values are written as in a request, numbers also as such and several as a list. The
+/// fields are the payload's and the one of its header that is not the same in all: spc, or a generic record's
+/// msgType. `owner` is what has them.
+RecordCheck readFields(std::string_view owner, Family family, Fields payload, const Json& value) {
+  constexpr FieldSpec kMessageType{"msgType", 1, FieldKind::number};
+  needObject(value);
+  if (payload.empty()) payload = kPlainPayload;
+  std::vector<FieldSpec> fields(payload.begin(), payload.end());
+  fields.push_back(family == Family::cdma ? kSpcField : kMessageType);
+  std::vector<std::pair<FieldSpec, Bytes>> expected;
+  for (const auto& [name, field_value] : value.items()) {
+    const FieldSpec& field = fieldOf(owner, fields, name);
+    expected.emplace_back(field, encodeField(field, writtenValue(field, field_value)));
+  }
+  return [expected](const PlayedRecord& came) {
+    std::vector<std::string> wrong;
+    for (const auto& [field, bytes] : expected) {
+      const DecodedField* found = findLast(came.decoded, field.name);
+      const ByteView there =
+          found != nullptr ? ByteView(came.bytes).subspan(found->offset, found->size) : ByteView{};
+      if (std::equal(there.begin(), there.end(), bytes.begin(), bytes.end())) continue;
+      wrong.push_back(found != nullptr ? difference(field, there, bytes)
+                                       : fmt::format("{} is not there", field.name));
+    }
+    return wrong;
+  };
+}
+
+RecordCheck readBytes(const Json& value) {
+  return [expected = bytesIn(value)](const PlayedRecord& came) -> std::vector<std::string> {
+    if (came.bytes == expected) return {};
+    return {fmt::format("the {} {}", came.direction, difference(came.bytes, expected))};
+  };
+}
+
+Deed checkAnswer(const RecordCheck& check) {
+  return [check](Play& play) { append(play.wrong, check(play.answer())); };
 }
 
 Deed readAnswerFields(const Json& value, Reading& reading) {
@@ -69,54 +132,41 @@ Deed readAnswerFields(const Json& value, Reading& reading) {
   const std::string owner =
       row != nullptr ? fmt::format("the answer to {}", row->command) : "an answer that nothing is known of";
   const Family family = isCdma(reading.request) ? Family::cdma : Family::generic;
-  return [fields = readFields(owner, family, row != nullptr ? row->answer : Fields{}, value)](Play& play) {
-    append(play.wrong, compareFields(fields, play.answer->decoded, play.answer->bytes));
-  };
+  return checkAnswer(readFields(owner, family, row != nullptr ? row->answer : Fields{}, value));
 }
 
 Deed readAnswerBytes(const Json& value, Reading& reading) {
   needRequest(reading);
-  return [expected = bytesIn(value)](Play& play) {
-    if (play.answer->bytes != expected)
-      play.wrong.push_back(fmt::format("the answer {}", difference(play.answer->bytes, expected)));
-  };
+  return checkAnswer(readBytes(value));
 }
 
-struct ExpectedMessage {
-  std::string_view name;
-  std::vector<ExpectedField> fields;
-  std::optional<Bytes> bytes;
-};
-
-ExpectedMessage readExpectedMessage(const Json& value) {
+RecordCheck readExpectedMessage(const Json& value) {
   constexpr std::string_view kKeys[] = {"name", "fields", "bytes"};
   checkKeys(value, kKeys);
   if (!value.contains("name")) throw UsageError("needs a name");
   const UnsolicitedRow& row = rowByName(unsolicitedTable(), "message", textOf(value.at("name")));
-  ExpectedMessage message{.name = row.name};
+  std::vector<RecordCheck> checks;
   if (value.contains("fields"))
-    message.fields = readFields(std::string(row.name), row.family, row.payload, value.at("fields"));
-  if (value.contains("bytes")) message.bytes = bytesIn(value.at("bytes"));
-  return message;
-}
-
-std::vector<std::string> compareMessage(const ExpectedMessage& expected, const PlayedRecord& came) {
-  if (came.decoded.name != expected.name)
-    return {fmt::format("expected {}, not {}", expected.name, came.decoded.title)};
-  std::vector<std::string> wrong = compareFields(expected.fields, came.decoded, came.bytes);
-  if (expected.bytes && *expected.bytes != came.bytes)
-    wrong.push_back(difference(came.bytes, *expected.bytes));
-  return wrong;
+    checks.push_back(readFields(row.name, row.family, row.payload, value.at("fields")));
+  if (value.contains("bytes")) checks.push_back(readBytes(value.at("bytes")));
+  return [&row, checks](const PlayedRecord& came) {
+    std::vector<std::string> wrong;
+    if (came.decoded.name != row.name)
+      return std::vector{fmt::format("expected {}, not {}", row.name, came.decoded.title)};
+    for (const RecordCheck& check : checks)
+      append(wrong, check(came));
+    return wrong;
+  };
 }
 
 Deed readMessage(const Json& value, Reading& reading) {
   if (!reading.indicates) throw UsageError("comes of an indication, and the step has none");
-  return [messages = readEach(value, readExpectedMessage)](Play& play) {
-    if (play.messages.size() != messages.size())
-      play.wrong.push_back(
-          fmt::format("expected {} messages, and {} came", messages.size(), play.messages.size()));
-    for (size_t i = 0; i < std::min(messages.size(), play.messages.size()); ++i)
-      append(play.wrong, compareMessage(messages[i], play.messages[i]), fmt::format("message {}: ", i + 1));
+  return [checks = readEach(value, readExpectedMessage)](Play& play) {
+    const size_t came = play.records.size();
+    if (came != checks.size())
+      play.wrong.push_back(fmt::format("expected {} messages, and {} came", checks.size(), came));
+    for (size_t i = 0; i < std::min(checks.size(), came); ++i)
+      append(play.wrong, checks[i](play.records[i]), fmt::format("message {}: ", i + 1));
   };
 }
 
@@ -126,35 +176,36 @@ Deed readLog(const Json& value, Reading& reading) {
   return [texts = readEach(value, textOf)](Play& play) {
     handset::Parent& process = play.station.process();
     size_t from = play.log_mark;
-    bool all = true;
     for (const std::string& text : texts) {
       const std::optional<size_t> behind = process.waitForLogPart(from, text, kGrace);
-      all = all && behind;
-      if (!behind)
-        play.wrong.push_back(
-            fmt::format("not logged{}: {}", from > play.log_mark ? " behind the text before" : "", text));
-      from = behind.value_or(from);
+      if (behind) {
+        from = *behind;
+        continue;
+      }
+      const std::string_view where = from > play.log_mark ? " behind the text before" : "";
+      play.wrong.push_back(fmt::format("not logged{}: {}", where, text));
+      std::vector<std::string> lines = process.logsSince(play.log_mark);
+      lines.erase(lines.begin(), lines.end() - static_cast<ptrdiff_t>(std::min(lines.size(), kLinesShown)));
+      return append(play.wrong, lines, "  logged: ");
     }
-    if (all) return;
-    std::vector<std::string> lines = process.logsSince(play.log_mark);
-    lines.erase(lines.begin(), lines.end() - static_cast<ptrdiff_t>(std::min(lines.size(), kLinesShown)));
-    append(play.wrong, lines, "  logged: ");
   };
 }
 
 /// What differs first between all that was asked and what was expected to be.
 std::vector<std::string> compareOrder(const std::vector<Question>& expected,
                                       const std::vector<handset::Received>& asked) {
-  for (size_t i = 0; i < std::max(expected.size(), asked.size()); ++i) {
-    if (i >= asked.size())
-      return {fmt::format("message {}: expected {}, and nothing more was asked", i + 1, expected[i].written)};
-    if (i >= expected.size())
-      return {fmt::format("message {}: expected nothing more, not {}", i + 1, writeQuestion(asked[i]))};
-    std::vector<std::string> wrong;
-    append(wrong, compareQuestion(expected[i], asked[i]), fmt::format("message {}: ", i + 1));
-    if (!wrong.empty()) return wrong;
+  static const std::string kNothing = "nothing more";
+  std::vector<std::string> wrong;
+  for (size_t i = 0; wrong.empty() && i < std::max(expected.size(), asked.size()); ++i) {
+    const std::string wanted = i < expected.size() ? expected[i].written : kNothing;
+    const std::string was = i < asked.size() ? writeQuestion(asked[i]) : kNothing;
+    const bool both = i < std::min(expected.size(), asked.size());
+    append(wrong,
+           both ? compareQuestion(expected[i], asked[i])
+                : std::vector{fmt::format("expected {}, not {}", wanted, was)},
+           fmt::format("message {}: ", i + 1));
   }
-  return {};
+  return wrong;
 }
 
 std::vector<std::string> compareSome(const std::vector<Question>& expected,
@@ -188,17 +239,18 @@ Deed readAsked(const Json& value, Reading&) {
 }
 
 Deed readExit(const Json& value, Reading& reading) {
-  if (!reading.ends_process) throw UsageError("is of a step that ends the process");
   constexpr int kLeast = -64;
   constexpr int kMost = 255;
-  reading.exit_expected = static_cast<int>(numberOf(value, kLeast, kMost));
+  if (!reading.ends_process) throw UsageError("is of a step that ends the process");
+  reading.step.exit_expected = static_cast<int>(numberOf(value, kLeast, kMost));
   return [](Play&) {};
 }
 
 Deed compareFiles(const std::vector<FileDescription>& files) {
   return [files](Play& play) {
     for (const FileDescription& file : files)
-      append(play.wrong, compareFile(play.station.folder(), file));
+      if (const std::string wrong = compareFile(play.station.folder(), file); !wrong.empty())
+        play.wrong.push_back(wrong);
   };
 }
 

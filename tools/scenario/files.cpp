@@ -32,20 +32,17 @@ std::string pathOf(const Json& value) {
   return path;
 }
 
+/// What a link leads to, as a path of the handset; nothing when it is no link.
 std::optional<std::string> linkTarget(const Folder& folder, const std::string& path) {
   std::error_code error;
   const fs::path target = fs::read_symlink(folder.path(path), error);
-  if (error) return std::nullopt;
-  return target.string();
+  return error ? std::nullopt : std::optional(fs::path(path).parent_path() / target);
 }
 
-/// Where links of the handset lead in the end, on this machine: they carry the handset's own paths.
+/// Where links of the handset lead in the end.
 std::string throughLinks(const Folder& folder, std::string path) {
-  for (int i = 0; i < kLinksMax; ++i) {
-    const std::optional<std::string> target = linkTarget(folder, path);
-    if (!target) break;
-    path = fs::path(path).parent_path() / *target;
-  }
+  for (int i = 0; i < kLinksMax; ++i)
+    path = linkTarget(folder, path).value_or(path);
   return path;
 }
 
@@ -53,42 +50,27 @@ std::string throughLinks(const Folder& folder, std::string path) {
 std::string contentDifference(ByteView found, ByteView expected) {
   constexpr size_t kShown = 64;
   const auto is_text = [](ByteView bytes) {
-    return bytes.size() <= kShown && std::all_of(bytes.begin(), bytes.end(), [](uint8_t byte) {
-             return byte == '\n' || (byte >= 0x20 && byte < 0x7F);
-           });
+    const auto in_line = [](uint8_t byte) { return byte == '\n' || (byte >= 0x20 && byte < 0x7F); };
+    return bytes.size() <= kShown && std::all_of(bytes.begin(), bytes.end(), in_line);
   };
-  if (!is_text(found) || !is_text(expected)) return difference(found, expected);
+  if (!is_text(found) || !is_text(expected)) return " " + difference(found, expected);
   return fmt::format(": expected {}, not {}", quoted(expected), quoted(found));
 }
 
-std::vector<std::string> compareContent(const std::string& path, const FileDescription& expected) {
+std::string compareContent(const std::string& path, const FileDescription& expected) {
   std::error_code error;
-  const uintmax_t size = fs::is_regular_file(path, error) ? fs::file_size(path, error) : 0;
+  const uintmax_t size = fs::file_size(path, error);
   std::ifstream file(path, std::ios::binary);
-  if (!file || error) return {" is not there"};
-  std::vector<std::string> wrong;
-  if (expected.size && *expected.size != size)
-    wrong.push_back(fmt::format(": expected {} bytes, not {}", *expected.size, size));
-  if (!expected.content) return wrong;
+  if (error || !file) return " is not there";
+  if (expected.size.value_or(size) != size)
+    return fmt::format(": expected {} bytes, not {}", *expected.size, size);
+  if (!expected.content) return "";
   Bytes found(expected.size || expected.at ? expected.content->size() : size);
   file.seekg(static_cast<std::streamoff>(expected.at.value_or(0)));
   file.read(reinterpret_cast<char*>(found.data()), static_cast<std::streamsize>(found.size()));
   found.resize(static_cast<size_t>(file.gcount()));
   if (expected.property && !found.empty() && found.back() == '\n') found.pop_back();
-  if (found != *expected.content) wrong.push_back(contentDifference(found, *expected.content));
-  return wrong;
-}
-
-std::vector<std::string> compareKind(const Folder& folder, const FileDescription& expected) {
-  const std::optional<std::string> target = linkTarget(folder, expected.path);
-  if (expected.absent) {
-    if (!fs::exists(fs::symlink_status(folder.path(expected.path)))) return {};
-    return {" is there, and should not be"};
-  }
-  if (!expected.link) return compareContent(folder.path(throughLinks(folder, expected.path)), expected);
-  if (target == expected.link) return {};
-  return {fmt::format(": expected a link to {}, not {}", *expected.link,
-                      target ? "one to " + *target : "something else")};
+  return found == *expected.content ? "" : contentDifference(found, *expected.content);
 }
 
 }  // namespace
@@ -97,24 +79,22 @@ FileDescription readFile(const Json& value) {
   constexpr std::string_view kKeys[] = {"path", "text", "bytes", "at", "size", "link", "absent"};
   checkKeys(value, kKeys);
   const auto has = [&value](const char* key) { return value.contains(key); };
-  const auto number = [&value](const char* key) {
+  const auto number = [&value](const char* key) -> std::optional<uint64_t> {
     constexpr int64_t kMost = std::numeric_limits<int32_t>::max();
+    if (!value.contains(key)) return std::nullopt;
     return static_cast<uint64_t>(numberOf(value.at(key), 0, kMost));
   };
   if (!has("path")) throw UsageError("needs a path");
-  FileDescription file{.path = pathOf(value.at("path"))};
+  if (has("absent") && value.at("absent") != true) throw UsageError("absent: takes true");
+  FileDescription file{
+      .path = pathOf(value.at("path")), .size = number("size"), .at = number("at"), .absent = has("absent")};
   file.name = file.path;
   if (has("text")) file.content = handset::bytesOf(textOf(value.at("text")));
   if (has("bytes")) file.content = bytesIn(value.at("bytes"));
-  if (has("at")) file.at = number("at");
-  if (has("size")) file.size = number("size");
   if (has("link")) file.link = pathOf(value.at("link"));
-  if (has("absent") && value.at("absent") != true) throw UsageError("absent: takes true");
-  file.absent = has("absent");
   const int kinds = (file.content || file.size ? 1 : 0) + (file.link ? 1 : 0) + (file.absent ? 1 : 0);
   if (kinds != 1 || (has("text") && has("bytes")) || (file.at && !file.content))
-    throw UsageError(
-        "needs text or bytes, maybe with the place they are at, a size, or both; or a link; or absent");
+    throw UsageError("needs text or bytes, maybe at a place, or a size, or both; or a link; or absent");
   return file;
 }
 
@@ -149,11 +129,16 @@ void makeFile(const Folder& folder, const FileDescription& wanted) {
   if (wanted.size) fs::resize_file(folder.path(path), *wanted.size);
 }
 
-std::vector<std::string> compareFile(const Folder& folder, const FileDescription& expected) {
-  std::vector<std::string> wrong = compareKind(folder, expected);
-  for (std::string& text : wrong)
-    text = expected.name + text;
-  return wrong;
+std::string compareFile(const Folder& folder, const FileDescription& expected) {
+  const std::optional<std::string> target = linkTarget(folder, expected.path);
+  std::string wrong;
+  if (expected.absent)
+    wrong = target || fs::exists(folder.path(expected.path)) ? " is there, and should not be" : "";
+  else if (!expected.link)
+    wrong = compareContent(folder.path(throughLinks(folder, expected.path)), expected);
+  else if (target != expected.link)
+    wrong = fmt::format(": expected a link to {}, not {}", *expected.link, target.value_or("something else"));
+  return wrong.empty() ? "" : expected.name + wrong;
 }
 
 }  // namespace tools

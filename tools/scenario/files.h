@@ -3,14 +3,13 @@
 #pragma once
 
 #include <cstdint>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "handset/bytes.h"
 #include "handset/folder.h"
+#include "tools/scenario/values.h"
 
 namespace tools {
 
@@ -29,17 +28,17 @@ inline constexpr std::string_view kFileFormat =
     R"({"path": P, "text": T | "bytes": B, "at": N, "size": N, "link": P, "absent": true})";
 
 /// Throws UsageError.
-FileDescription readFile(const nlohmann::ordered_json& value);
+FileDescription readFile(const Json& value);
 
 /// {"NAME": "VALUE" or null, ...}: the files that hold the system properties. Throws UsageError.
-std::vector<FileDescription> readProperties(const nlohmann::ordered_json& value);
+std::vector<FileDescription> readProperties(const Json& value);
 
 /// Makes the file as it is described. Without content a size cuts or extends what is there; what is then
 /// before the content or behind it is a hole, which takes no room. Throws std::system_error or
 /// std::runtime_error where the file system refuses.
 void makeFile(const handset::Folder& folder, const FileDescription& wanted);
 
-/// What is not as it is described, a text for each.
-std::vector<std::string> compareFile(const handset::Folder& folder, const FileDescription& expected);
+/// What is not as it is described; empty when all is.
+std::string compareFile(const handset::Folder& folder, const FileDescription& expected);
 
 }  // namespace tools

@@ -10,7 +10,6 @@
 #include <iterator>
 #include <set>
 
-#include "tools/scenario/values.h"
 #include "tools/text/usage_error.h"
 
 namespace tools {
@@ -20,33 +19,15 @@ namespace {
 constexpr std::string_view kTitle = "title";
 constexpr std::string_view kExpect = "expect";
 
-std::string readText(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw UsageError(fmt::format("the scenario {} cannot be read: {}", path, std::strerror(errno)));
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-/// Throws UsageError when an object has a key twice, of which a reader of JSON keeps only one.
-class DuplicateCheck {
- public:
-  bool take(Json::parse_event_t event, const Json& parsed) {
-    constexpr size_t kDepthOfSteps = 2;
-    if (event == Json::parse_event_t::object_start) {
-      keys_.emplace_back();
-      if (keys_.size() == kDepthOfSteps) ++step_;
-    } else if (event == Json::parse_event_t::object_end) {
-      keys_.pop_back();
-    } else if (event == Json::parse_event_t::key && !keys_.back().insert(parsed.get<std::string>()).second) {
-      const std::string where = keys_.size() < kDepthOfSteps ? "" : fmt::format("step {}: ", step_);
-      throw UsageError(fmt::format("{}{} is given twice", where, parsed.dump()));
-    }
-    return true;
+/// What `read` does; when something is wrong, the error says that it is there.
+template <typename Read>
+auto readingAt(std::string_view place, Read read) {
+  try {
+    return read();
+  } catch (const UsageError& error) {
+    throw UsageError(fmt::format("{}: {}", place, error.what()));
   }
-
- private:
-  std::vector<std::set<std::string>> keys_;
-  size_t step_ = 0;
-};
+}
 
 /// "LINE:COLUMN: what is wrong" with text that is not JSON.
 std::string syntaxError(const std::string& text, const Json::parse_error& error) {
@@ -58,10 +39,21 @@ std::string syntaxError(const std::string& text, const Json::parse_error& error)
   return fmt::format("{}:{}: {}", line, at - line_start + 1, what);
 }
 
+/// Throws UsageError when an object has a key twice, of which a reader of JSON keeps only one.
 Json parse(const std::string& text) {
-  DuplicateCheck duplicates;
-  return Json::parse(
-      text, [&](int, Json::parse_event_t event, Json& parsed) { return duplicates.take(event, parsed); });
+  constexpr size_t kDepthOfSteps = 2;
+  std::vector<std::set<std::string>> keys;  // of each object that is open
+  size_t step = 0;
+  return Json::parse(text, [&](int, Json::parse_event_t event, const Json& parsed) {
+    if (event == Json::parse_event_t::object_start) keys.emplace_back();
+    if (event == Json::parse_event_t::object_start && keys.size() == kDepthOfSteps) ++step;
+    if (event == Json::parse_event_t::object_end) keys.pop_back();
+    if (event == Json::parse_event_t::key && !keys.back().insert(parsed.get<std::string>()).second)
+      throw UsageError(fmt::format("{}{} is given twice",
+                                   keys.size() < kDepthOfSteps ? "" : fmt::format("step {}: ", step),
+                                   parsed.dump()));
+    return true;
+  });
 }
 
 std::vector<std::string_view> namesOf(std::span<const StepWord> words) {
@@ -72,36 +64,27 @@ std::vector<std::string_view> namesOf(std::span<const StepWord> words) {
 }
 
 /// Lets the rows read the members that are theirs, in the table's order.
-void readWords(const Json& object, std::span<const StepWord> words, std::string_view place, Reading& reading,
-               Step& step) {
-  for (const StepWord& word : words) {
-    if (!object.contains(word.name)) continue;
-    try {
-      step.deeds.push_back(word.read(object.at(word.name), reading));
-    } catch (const UsageError& error) {
-      throw UsageError(fmt::format("{}{}: {}", place, word.name, error.what()));
-    }
-  }
+void readWords(const Json& object, std::span<const StepWord> words, Reading& reading) {
+  for (const StepWord& word : words)
+    if (object.contains(word.name))
+      reading.step.deeds.push_back(
+          readingAt(word.name, [&] { return word.read(object.at(word.name), reading); }));
 }
 
-/// What a step without a title is called: what it does.
-std::string defaultTitle(const Json& object) {
-  for (const StepWord& word : actionWords()) {
-    if (!object.contains(word.name)) continue;
-    const Json& value = object.at(word.name);
-    return fmt::format("{} {}", word.name, value.is_string() ? value.get<std::string>() : value.dump());
+/// What a step is called: without a title, what it does.
+std::string titleOf(const Json& object) {
+  if (!object.is_object()) return "";
+  if (object.contains(kTitle) && object.at(kTitle).is_string()) return textOf(object.at(kTitle));
+  for (const std::string_view name : namesOf(actionWords())) {
+    if (!object.contains(name)) continue;
+    const Json& value = object.at(name);
+    return fmt::format("{} {}", name, value.is_string() ? textOf(value) : value.dump());
   }
   std::string title;
   if (object.contains(kExpect) && object.at(kExpect).is_object())
     for (const auto& [key, value] : object.at(kExpect).items())
       title += (title.empty() ? "expect " : ", ") + key;
   return title;
-}
-
-std::string titleOf(const Json& object) {
-  if (!object.is_object()) return "";
-  return object.contains(kTitle) && object.at(kTitle).is_string() ? object.at(kTitle).get<std::string>()
-                                                                  : defaultTitle(object);
 }
 
 Step readStep(const Json& object, bool& running) {
@@ -114,28 +97,17 @@ Step readStep(const Json& object, bool& running) {
   if (actions.size() > 1)
     throw UsageError(
         fmt::format("a step does one thing, not {}; make several steps of it", fmt::join(actions, " and ")));
-  if (actions.empty() && (!object.contains(kExpect) || object.at(kExpect).empty()))
-    throw UsageError("the step does nothing and expects nothing");
-  Step step{.title = object.contains(kTitle) ? textOf(object.at(kTitle)) : defaultTitle(object)};
-  Reading reading{.running = running};
-  readWords(object, actionWords(), "", reading, step);
-  if (object.contains(kExpect)) {
-    const Json& expect = object.at(kExpect);
-    try {
-      checkKeys(expect, namesOf(expectationWords()));
-    } catch (const UsageError& error) {
-      throw UsageError(fmt::format("{}: {}", kExpect, error.what()));
-    }
-    readWords(expect, expectationWords(), "expect ", reading, step);
-  }
-  if (reading.ends_process)
-    step.deeds.emplace_back([expected = reading.exit_expected](Play& play) {
-      if (play.exit && *play.exit != expected)
-        play.wrong.push_back(fmt::format("exit: expected {}, but {}", expected, describeEnd(*play.exit)));
-    });
+  const Json expect = object.value(kExpect, Json::object());
+  if (actions.empty() && expect.empty()) throw UsageError("the step does nothing and expects nothing");
+  if (object.contains(kTitle)) readingAt(kTitle, [&] { return textOf(object.at(kTitle)); });
+  Reading reading{.running = running, .step = {.title = titleOf(object)}};
+  readWords(object, actionWords(), reading);
+  readingAt(kExpect, [&] {
+    checkKeys(expect, namesOf(expectationWords()));
+    readWords(expect, expectationWords(), reading);
+  });
   running = reading.running;
-  step.typed = reading.typed;
-  return step;
+  return reading.step;
 }
 
 Scenario readSteps(const std::string& path, const Json& object) {
@@ -144,36 +116,30 @@ Scenario readSteps(const std::string& path, const Json& object) {
   checkKeys(object, kKeys);
   if (!object.contains(kSteps) || !object.at(kSteps).is_array() || object.at(kSteps).empty())
     throw UsageError("a scenario has \"steps\": [{...}, ...]");
-  for (const std::string_view key : {kKeys[0], kKeys[1]}) {
-    if (object.contains(key) && !object.at(key).is_string())
-      throw UsageError(fmt::format("{}: takes text, not {}", key, object.at(key).dump()));
-  }
+  for (const std::string_view key : {kKeys[0], kKeys[1]})
+    if (object.contains(key)) readingAt(key, [&] { return textOf(object.at(key)); });
   Scenario scenario{.file = path, .title = object.value(kTitle, path)};
   bool running = false;
   for (const Json& step : object.at(kSteps)) {
-    try {
-      scenario.steps.push_back(readStep(step, running));
-    } catch (const UsageError& error) {
-      const std::string title = titleOf(step);
-      throw UsageError(fmt::format("step {}{}: {}", scenario.steps.size() + 1,
-                                   title.empty() ? "" : fmt::format(" ({})", title), error.what()));
-    }
+    const std::string title = titleOf(step);
+    const std::string place =
+        fmt::format("step {}{}", scenario.steps.size() + 1, title.empty() ? "" : fmt::format(" ({})", title));
+    scenario.steps.push_back(readingAt(place, [&] { return readStep(step, running); }));
   }
   if (running)
     scenario.steps.push_back(readStep({{kTitle, "The end of the process"}, {"process", "end"}}, running));
   return scenario;
 }
 
-std::string describe(std::span<const StepWord> words, std::string_view indent) {
-  std::string lines;
-  for (const StepWord& word : words)
-    lines += fmt::format("{0}\"{1}\": {2}\n{0}    {3}\n", indent, word.name, word.takes, word.help);
-  return lines;
-}
-
 }  // namespace
 
 std::string scenarioFormat() {
+  const auto describe = [](std::span<const StepWord> words, std::string_view indent) {
+    std::string lines;
+    for (const StepWord& word : words)
+      lines += fmt::format("{0}\"{1}\": {2}\n{0}    {3}\n", indent, word.name, word.takes, word.help);
+    return lines;
+  };
   return "A scenario is {\"title\": T, \"about\": T, \"steps\": [STEP, ...]}. A STEP is an object with\n"
          "  \"title\": T\n"
          "    optional, for the reader\n"
@@ -205,14 +171,14 @@ std::vector<std::string> scenarioFiles(const std::vector<std::string>& paths) {
 }
 
 Scenario readScenario(const std::string& path) {
-  const std::string text = readText(path);
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw UsageError(fmt::format("the scenario {} cannot be read: {}", path, std::strerror(errno)));
+  const std::string text{std::istreambuf_iterator<char>(file), {}};
   try {
-    return readSteps(path, parse(text));
+    return readingAt(path, [&] { return readSteps(path, parse(text)); });
   } catch (const Json::parse_error& error) {
     throw UsageError(fmt::format("{}:{}", path, syntaxError(text, error)));
   } catch (const Json::exception& error) {  // a number beyond all that can be stored
-    throw UsageError(fmt::format("{}: {}", path, error.what()));
-  } catch (const UsageError& error) {
     throw UsageError(fmt::format("{}: {}", path, error.what()));
   }
 }

@@ -8,8 +8,6 @@
 #include <vector>
 
 #include "handset/bytes.h"
-#include "tools/records/decode.h"
-#include "tools/records/record_table.h"
 
 namespace tools {
 
@@ -35,22 +33,5 @@ auto readEach(const Json& value, Read read) {
       all.push_back(read(element));
   return all;
 }
-
-/// A field that a record has to have.
-struct ExpectedField {
-  FieldSpec shape;
-  std::string written;
-  handset::Bytes bytes;
-};
-
-/// {"NAME": VALUE, ...}: values are written as in a request, numbers also as such and several as a list. The
-/// fields are the payload's and the one of its header that is not the same in all: spc, or a generic record's
-/// msgType. `owner` is what has them.
-std::vector<ExpectedField> readFields(const std::string& owner, Family family, Fields payload,
-                                      const Json& value);
-
-/// What differs, a text for each field.
-std::vector<std::string> compareFields(const std::vector<ExpectedField>& expected,
-                                       const DecodedRecord& decoded, handset::ByteView record);
 
 }  // namespace tools
