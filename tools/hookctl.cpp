@@ -50,9 +50,9 @@ int run(int argc, char** argv) {
   tool.add_option("--colour", common.colour, "auto (on a terminal only), always or never")
       ->transform(oneOf({"auto", "always", "never"}))
       ->option_text("WHEN");
-  for (const auto add : {addTourCommand, addShellCommand, addSendCommand, addDecodeCommand, addExplainCommand,
-                         addPlayCommand, addModemCommand, addWatchCommand, addHelpCommand,
-                         addCompletionCommand})
+  for (const auto add :
+       {addTourCommand, addShellCommand, addSendCommand, addDecodeCommand, addExplainCommand, addPlayCommand,
+        addModemCommand, addWatchCommand, addHelpCommand, addCompletionCommand})
     add(tool, common);
   if (argc > 1 && *argv[1] != '-') findCommand(tool, argv[1]);
   try {

@@ -48,7 +48,7 @@ class HexText {
   std::string first_offset_;
   std::string digits_;
   std::string last_;  // row's digits
-  int radix_ = 16;  // of the offsets, as far as they tell
+  int radix_ = 16;    // of the offsets, as far as they tell
   bool begun_ = false;
   bool squeezed_ = false;
   bool open_ = false;
