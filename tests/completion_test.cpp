@@ -10,7 +10,7 @@ using ::testing::ElementsAreArray;
 
 TEST(Completion, EveryWordOfALineIsCompletedFromTheTables) {
   constexpr tools::Syntax kCommands[] = {
-      {"modem", "COMMAND"}, {"log", "on|off|since"}, {"help", "[TOPIC]"}, {"quit", ""}};
+      {"force", "REQUEST"}, {"modem", "COMMAND"}, {"log", "on|off|since"}, {"help", "[TOPIC]"}, {"quit", ""}};
   struct Case {
     const char* line;
     const char* insertion;

@@ -39,15 +39,8 @@ void flushOutput() {
 }
 
 std::string_view outcomeName(Outcome outcome) {
-  switch (outcome) {
-    case Outcome::good:
-      return "ok";
-    case Outcome::wrong:
-      return "WRONG";
-    case Outcome::notPlayed:
-      return "not played";
-  }
-  return "";
+  constexpr std::string_view kNames[] = {"ok", "WRONG", "not played"};
+  return kNames[static_cast<size_t>(outcome)];
 }
 
 bool isCapableTerminal() {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tools/commands/commands.h"
+#include "tools/records/encode.h"
 #include "tools/shell/completion.h"
 #include "tools/text/usage_error.h"
 #include "tools/text/words.h"
@@ -98,7 +99,8 @@ std::vector<std::string> candidatesFor(const CLI::App& tool, const CommandLine& 
       rest.push_back(word);
   }
   if (valued != nullptr) return valued->get_name() == "--modem" ? modemLines(line.word) : rest = {};
-  if (command->get_name() == "send" && !line.word.starts_with('-')) return candidates({}, rest, line.word);
+  constexpr Syntax kSend[] = {{kForce, "REQUEST"}};
+  if (command->get_name() == "send" && !line.word.starts_with('-')) return candidates(kSend, rest, line.word);
   std::set<std::string> found;
   const auto offer = [&](const std::string& name) {
     if (name.starts_with(line.word)) found.insert(name);

@@ -59,10 +59,32 @@ void offerAlternatives(std::string_view alternatives, Candidates& into) {
   }
 }
 
-/// Another word of what a command of the modem takes.
-void offerForModem(const ModemCommandRow& row, Words given, Candidates& into) {
-  const std::vector<std::string> takes = splitWords(row.arguments);
-  if (!takes.empty() && takes.front() == "INDICATION") return offerIndication(given, into);
+void offerRequests(Words line, Candidates& into) {
+  for (const RequestRow& row : requestTable()) {
+    offerPhrase(row.command, line, into);
+    if (const size_t matched = wordsMatched(row.command, line))
+      offerRequest(row, line.subspan(matched), into);
+  }
+}
+
+void offerTopics(std::span<const Syntax> commands, Words line, Candidates& into) {
+  for (const Syntax& command : commands)
+    offerPhrase(command.name, line, into);
+  for (const std::string_view request : requestNames())
+    offerPhrase(request, line, into);
+}
+
+template <typename Rows>
+void offerCommands(const Rows& rows, Words line, Candidates& into);
+
+/// The next word of what one of the commands takes.
+void offerNext(std::span<const Syntax> commands, std::string_view arguments, Words given, Candidates& into) {
+  const std::vector<std::string> takes = splitWords(arguments);
+  if (takes.empty()) return;
+  if (takes.front() == "REQUEST") return offerRequests(given, into);
+  if (takes.front() == "COMMAND") return offerCommands(modemCommandTable(), given, into);
+  if (takes.front() == "INDICATION") return offerIndication(given, into);
+  if (takes.front() == "[TOPIC]") return offerTopics(commands, given, into);
   if (given.size() >= takes.size()) return;
   const std::string& next = takes[given.size()];
   if (next == "MESSAGE")
@@ -71,25 +93,16 @@ void offerForModem(const ModemCommandRow& row, Words given, Candidates& into) {
   if (next.find('|') != std::string::npos) offerAlternatives(next, into);
 }
 
-void offerModem(Words line, Candidates& into) {
-  for (const ModemCommandRow& row : modemCommandTable()) {
-    offerPhrase(row.name, line, into);
-    if (const size_t matched = wordsMatched(row.name, line)) offerForModem(row, line.subspan(matched), into);
-  }
-}
-
-void offerNames(std::span<const Syntax> commands, Words line, Candidates& into) {
-  for (const Syntax& command : commands)
+template <typename Rows>
+void offerCommands(const Rows& rows, Words line, Candidates& into) {
+  std::vector<Syntax> commands;
+  for (const auto& row : rows)
+    commands.push_back({row.name, row.arguments});
+  for (const Syntax& command : commands) {
     offerPhrase(command.name, line, into);
-  for (const std::string_view request : requestNames())
-    offerPhrase(request, line, into);
-}
-
-void offerForCommand(std::span<const Syntax> commands, const Syntax& command, Words given, Candidates& into) {
-  if (command.arguments == "COMMAND") return offerModem(given, into);
-  if (command.arguments == "[TOPIC]") return offerNames(commands, given, into);
-  if (given.empty() && command.arguments.find('|') != std::string_view::npos)
-    offerAlternatives(command.arguments, into);
+    if (const size_t matched = wordsMatched(command.name, line))
+      offerNext(commands, command.arguments, line.subspan(matched), into);
+  }
 }
 
 std::string commonStart(const std::vector<std::string>& words) {
@@ -105,17 +118,8 @@ std::string commonStart(const std::vector<std::string>& words) {
 
 std::vector<std::string> candidates(std::span<const Syntax> commands, Words before, std::string_view word) {
   Candidates all;
-  offerPhrase(kForce, before, all);
-  if (!before.empty() && before.front() == kForce) {
-    commands = {};
-    before = before.subspan(1);
-  }
-  offerNames(commands, before, all);
-  for (const Syntax& command : commands)
-    if (wordsMatched(command.name, before) > 0) offerForCommand(commands, command, before.subspan(1), all);
-  for (const RequestRow& row : requestTable())
-    if (const size_t matched = wordsMatched(row.command, before))
-      offerRequest(row, before.subspan(matched), all);
+  offerRequests(before, all);
+  offerCommands(commands, before, all);
   std::erase_if(all, [word](const std::string& candidate) { return !candidate.starts_with(word); });
   return {all.begin(), all.end()};
 }

@@ -10,15 +10,15 @@
 
 namespace tools {
 
-/// A command of one word and what it takes: words such as "on|off|since", "COMMAND" (of the modem) or
-/// "TOPIC".
+/// A command and what it takes: words such as "on|off|since", "REQUEST", "COMMAND" (of the
+/// modem) or "TOPIC".
 struct Syntax {
   std::string_view name;
   std::string_view arguments;
 };
 
 /// What the next word may be behind these, as far as it is there, in order. Besides `commands` they may begin
-/// with any request's name, and with "force" before that.
+/// with any request's name.
 std::vector<std::string> candidates(std::span<const Syntax> commands, Words before, std::string_view word);
 
 struct Completion {
