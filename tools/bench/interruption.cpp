@@ -1,6 +1,7 @@
 #include "tools/bench/interruption.h"
 
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
@@ -9,6 +10,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <climits>
 #include <csignal>
 #include <cstdlib>
@@ -33,7 +35,8 @@ constexpr size_t kOrderMax = PATH_MAX + 1;
 
 // Never destroyed: the watching thread may still use it while the tool ends.
 std::recursive_mutex& interruption_mutex = *new std::recursive_mutex;
-int cleaner_orders = -1;  // a socket
+std::atomic<int> first_ctrl_c = -1;  // an eventfd
+int cleaner_orders = -1;             // a socket
 pid_t cleaner_pid = -1;
 
 /// What the tool leaves, in the process that cleans up behind it.
@@ -127,6 +130,13 @@ void tellCleaner(char order, std::string_view about) {
   send(cleaner_orders, packet.data(), packet.size(), MSG_NOSIGNAL);
 }
 
+/// Whether the tool goes on: whoever has taken the first Ctrl-C is told of it.
+bool isTaken(int signal) {
+  if (signal != SIGINT || first_ctrl_c < 0) return false;
+  pollfd told{first_ctrl_c, POLLIN, 0};
+  return poll(&told, 1, 0) == 0 && eventfd_write(first_ctrl_c, 1) == 0;
+}
+
 }  // namespace
 
 void watchForInterruption() {
@@ -139,11 +149,18 @@ void watchForInterruption() {
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   std::thread([] {
     int signal = 0;
-    sigwait(&signals, &signal);
+    do
+      sigwait(&signals, &signal);
+    while (isTaken(signal));
     const std::scoped_lock lock(interruption_mutex);
     finishCleaning();
     _exit(kStatusOfSignals + signal);
   }).detach();
+}
+
+int takeFirstCtrlC() {
+  if (first_ctrl_c < 0) first_ctrl_c = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+  return first_ctrl_c;
 }
 
 void killInTheEnd(pid_t process) {

@@ -15,6 +15,10 @@ namespace tools {
 /// other thread is there.
 void watchForInterruption();
 
+/// From here on Ctrl-C makes the descriptor readable that is returned, an eventfd. As long as nobody has read
+/// that, the next one ends the tool as before.
+int takeFirstCtrlC();
+
 /// A process that is to be killed in the end, in place of the one before. Not for one that has been waited
 /// for.
 void killInTheEnd(pid_t process);

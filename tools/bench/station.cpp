@@ -34,8 +34,6 @@ constexpr handset::Millis kGrace{500};
 /// Longer than anything that the process may take: it gives the vendor service 500 s to come up, the two
 /// others 25 s each, and the modem 15 s for each message, at the start as for a request.
 constexpr handset::Millis kPatience{900'000};
-/// An indication that the process knows nothing of, and only logs.
-constexpr uint16_t kUnknownIndication = 0xFFFF;
 
 /// The last log line of a process that is not served by a service, and what that means.
 struct ServiceWait {

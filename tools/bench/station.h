@@ -40,6 +40,9 @@ struct Answer {
 /// How long a wait for an answer is nothing to speak of.
 inline constexpr handset::Millis kUsualWait{2000};
 
+/// An indication that the process knows nothing of, and only logs.
+inline constexpr uint16_t kUnknownIndication = 0xFFFF;
+
 class Station {
  public:
   /// Starts the modem, but not the process. Throws UsageError when another one runs in the folder and is not

@@ -133,6 +133,15 @@ int64_t parseNumber(std::string_view what, std::string_view text, int64_t least,
   return value;
 }
 
+std::chrono::milliseconds parseSeconds(std::string_view what, std::string_view text, int64_t most) {
+  double seconds = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
+  const bool fits = seconds >= 0 && seconds <= static_cast<double>(most);
+  if (error != std::errc() || end != text.data() + text.size() || !fits)
+    throw UsageError(fmt::format("{} takes seconds from 0 to {}, such as 0.5, not '{}'", what, most, text));
+  return std::chrono::round<std::chrono::milliseconds>(std::chrono::duration<double>(seconds));
+}
+
 std::vector<uint8_t> parseBytes(std::string_view what, std::string_view text) {
   constexpr std::string_view kText = "text:";
   if (text.starts_with(kText)) return handset::bytesOf(text.substr(kText.size()));

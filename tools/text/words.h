@@ -1,6 +1,7 @@
 // The words of a command line, and the nearest ones to a word that was not found.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -24,6 +25,10 @@ std::string didYouMean(std::string_view word, std::span<const std::string_view> 
 /// A whole number, decimal or 0x-hexadecimal. Throws UsageError, with `what` it is for, unless it lies from
 /// `least` to `most`.
 int64_t parseNumber(std::string_view what, std::string_view text, int64_t least, int64_t most);
+
+/// Seconds, with a fraction or without. Throws UsageError, with `what` they are for, when they are more than
+/// `most`.
+std::chrono::milliseconds parseSeconds(std::string_view what, std::string_view text, int64_t most);
 
 /// Bytes: hexadecimal digits, "text:..." or "@FILE"; "DIGITS*TIMES" repeats what digits up to a blank say.
 /// Throws UsageError, with `what` they are for.
