@@ -9,6 +9,7 @@
 #include "tools/commands/commands.h"
 #include "tools/shell/line_editor.h"
 #include "tools/shell/shell.h"
+#include "tools/text/input_lines.h"
 
 namespace tools {
 
@@ -19,36 +20,29 @@ struct ShellOptions {
   int instance = 0;
   bool times = false;
   bool trace = false;
+  std::string record;
 };
 
-std::unique_ptr<LineSource> linesFor(Shell& shell, bool prompts) {
-  const WaitForInput wait = [&shell](const Interlude& interlude) {
-    shell.news().waitToRead(STDIN_FILENO, interlude);
-  };
-  if (!prompts) return std::make_unique<PlainLines>(wait);
-  return std::make_unique<LineEditor>(
-      "hook> ", wait, [syntax = Shell::syntax()](std::string_view line) { return complete(syntax, line); });
-}
-
-int converse(Station& station, const Console& console, bool trace) {
-  const bool prompts = isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1;
-  Shell shell(station, console);
-  if (trace) shell.trace(true);
-  if (prompts)
+int converse(Station& station, const Console& console, const ShellOptions& options) {
+  constexpr size_t kLineMax = size_t{1024} * 1024;  // characters
+  const bool at_terminal = isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1;
+  Shell shell(station, console, at_terminal);
+  if (options.trace) shell.trace(true);
+  if (!options.record.empty()) shell.record(options.record);
+  InputLines piped(STDIN_FILENO, [&shell] { shell.news().waitForInput({}); });
+  std::optional<LineEditor> typed;
+  if (at_terminal) {
     fmt::print("process {} serves requests in {}; help tells what to type, Ctrl-D ends\n",
                station.process().pid(), station.folder().root());
-  else
-    shell.countLines();
-  {
-    const std::unique_ptr<LineSource> lines = linesFor(shell, prompts);
-    std::optional<std::string> line;
-    do {
-      line = lines->next();
-    } while (line && shell.run(*line));
-    if (!line && prompts) fmt::print("\n");
+    typed.emplace([&shell](const Interlude& interlude) { return shell.news().waitForInput(interlude); },
+                  [syntax = Shell::syntax()](std::string_view line) { return complete(syntax, line); });
   }
+  std::string line;
+  while ((typed ? typed->next(line) : piped.next(line, kLineMax)) && shell.run(line)) {
+  }
+  typed.reset();
   shell.end();
-  return shell.troubled() && !prompts ? kStatusWrong : kStatusGood;
+  return shell.troubled() && !at_terminal ? kStatusWrong : kStatusGood;
 }
 
 }  // namespace
@@ -58,16 +52,21 @@ void addShellCommand(CLI::App& tool, Common& common) {
       tool.add_subcommand("shell", "A prompt: requests by name, what the modem does, messages as they come");
   auto options = std::make_shared<ShellOptions>();
   addShared(*command, {&options->root, &options->instance, &options->trace, &options->times});
+  command
+      ->add_option("--record", options->record,
+                   "writes the session to a file, as a scenario that hookctl play plays")
+      ->option_text("FILE");
   command->footer(
-      "A line is a request by name, with its arguments in order or as FIELD=VALUE, or one of\n" +
-      Shell::commandReference() +
-      "\nUnsolicited messages are shown when they come, decoded, above the line that is being typed. Tab\n"
-      "completes names and arguments; the arrow keys bring earlier lines back. A process that dies is told "
-      "of\n"
-      "at once. Ctrl-D ends the session; Ctrl-C does so at any moment, and nothing is left running.\n"
+      Shell::reference() +
+      "\nUnsolicited messages are shown when they come, above the line that is being typed, and so is\n"
+      "the end of a process that dies.\n"
       "\n"
-      "Without a terminal, lines are read without a prompt; '#' begins a comment. A line that is wrong is\n"
-      "reported on standard error with its number, and the status is then 1 in the end.\n"
+      "Without a terminal, lines are shown as if they had been typed, and '#' begins a comment. What is\n"
+      "wrong is reported on standard error with the line's number, and the status is then 1. What the\n"
+      "modem has indicated is waited for in the end.\n"
+      "\n"
+      "A recorded session is a scenario of what was asked and told; it expects the answers, the messages\n"
+      "and what the modem was asked. A comment is the title of the step behind it.\n"
       "\n"
       "Examples:\n"
       "  hookctl shell\n"
@@ -75,14 +74,16 @@ void addShellCommand(CLI::App& tool, Common& common) {
       "    hook> modem fail bsr-timer-read 90\n"
       "    hook> modem indicate carrier-value 7\n"
       "    hook> log since\n"
-      "  printf '%s\\n' 'modem indicate carrier-value 7' wait | hookctl shell");
+      "  printf '%s\\n' 'modem indicate carrier-value 7' | hookctl shell\n"
+      "  hookctl shell --record FILE; hookctl play FILE");
   command->callback([&common, options] {
     Station station({.executable = common.executable,
                      .root = options->root,
                      .instance_id = options->instance,
                      .share_modem = true});
+    if (!options->record.empty()) station.needOwnModem("a session with it cannot be recorded");
     station.start();
-    common.status = converse(station, Console(common.colour, options->times), options->trace);
+    common.status = converse(station, Console(common.colour, options->times), *options);
   });
 }
 

@@ -1,14 +1,15 @@
 #include "tools/shell/line_editor.h"
 
 #include <fmt/format.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <clocale>
 #include <cstdio>
+#include <cstdlib>
 #include <cwchar>
+#include <filesystem>
 #include <utility>
 
 namespace tools {
@@ -16,20 +17,29 @@ namespace tools {
 namespace {
 
 constexpr int kHistoryLines = 1000;
-constexpr size_t kColumnsUnknown = 80;
 
-size_t terminalColumns() {
-  winsize size{};
-  const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-  return known ? size.ws_col : kColumnsUnknown;
+/// Where the history is kept, in a folder that is made if it can be; empty when nobody says where.
+std::string historyFile() {
+  const char* state = std::getenv("XDG_STATE_HOME");
+  const char* home = std::getenv("HOME");
+  std::filesystem::path folder;
+  if (state != nullptr && *state == '/')
+    folder = state;
+  else if (home != nullptr && *home == '/')
+    folder = std::filesystem::path(home) / ".local/state";
+  else
+    return "";
+  std::error_code ignored;
+  std::filesystem::create_directories(folder / "hookctl", ignored);
+  return folder / "hookctl/history";
 }
 
 }  // namespace
 
-LineEditor::LineEditor(std::string prompt, WaitForInput wait, Completer completer)
-    : prompt_(std::move(prompt)),
-      wait_(std::move(wait)),
+LineEditor::LineEditor(WaitForInput wait, Completer completer)
+    : wait_(std::move(wait)),
       completer_(std::move(completer)),
+      history_file_(historyFile()),
       history_(history_init(), history_end),
       edit_(nullptr, el_end) {
   setlocale(LC_CTYPE, "C.UTF-8");
@@ -38,11 +48,13 @@ LineEditor::LineEditor(std::string prompt, WaitForInput wait, Completer complete
   el_set(edit, EL_CLIENTDATA, this);
   el_set(edit, EL_SIGNAL, 0);
   el_set(edit, EL_EDITOR, "emacs");
-  el_set(edit, EL_PROMPT, promptOf);
+  el_set(
+      edit, EL_PROMPT, +[](EditLine*) { return const_cast<char*>(kPrompt); });
   el_set(edit, EL_GETCFN, readCharacter);
   HistEvent event{};
   history(history_.get(), &event, H_SETSIZE, kHistoryLines);
   history(history_.get(), &event, H_SETUNIQUE, 1);
+  if (!history_file_.empty()) history(history_.get(), &event, H_LOAD, history_file_.c_str());
   el_set(edit, EL_HIST, history, history_.get());
   // Its narrow sibling never frees the two texts.
   el_wset(edit, EL_ADDFN, L"complete-word", L"completes the word at the cursor", completeWord);
@@ -56,11 +68,8 @@ LineEditor& LineEditor::of(EditLine* edit) {
   return *static_cast<LineEditor*>(self);
 }
 
-char* LineEditor::promptOf(EditLine* edit) {
-  return of(edit).prompt_.data();
-}
-
-std::optional<std::string> LineEditor::next() {
+bool LineEditor::next(std::string& line) {
+  line.clear();
   // The window may have changed since the last line.
   el_resize(edit_.get());
   int length = 0;
@@ -68,13 +77,22 @@ std::optional<std::string> LineEditor::next() {
   const char* text = el_gets(edit_.get(), &length);
   calm_.unlock();
   if (trouble_) std::rethrow_exception(std::exchange(trouble_, nullptr));
-  if (text == nullptr || length <= 0) return std::nullopt;
-  std::string line(text, static_cast<size_t>(length));
-  while (!line.empty() && (line.back() == '\n' || line.back() == '\r'))
-    line.pop_back();
+  if (std::exchange(dropped_, false)) return true;
+  if (text == nullptr || length <= 0) {
+    fmt::print("\n");
+    return false;
+  }
+  line.assign(text, static_cast<size_t>(length));
+  line.erase(line.find_last_not_of("\r\n") + 1);
+  if (!line.empty()) remember(line);
+  return true;
+}
+
+/// Whatever ends the tool, the file has the line.
+void LineEditor::remember(const std::string& line) {
   HistEvent event{};
-  if (!line.empty()) history(history_.get(), &event, H_ENTER, line.c_str());
-  return line;
+  history(history_.get(), &event, H_ENTER, line.c_str());
+  if (!history_file_.empty()) history(history_.get(), &event, H_SAVE, history_file_.c_str());
 }
 
 /// One character, from as many bytes as it takes: 1, 0 at the end of the input, −1 when it cannot be read.
@@ -84,12 +102,14 @@ int LineEditor::readCharacter(EditLine* edit, wchar_t* character) {
   while (true) {
     self.calm_.unlock();
     try {
-      self.wait_({.before = [&] { self.takeLineAway(); }, .after = [&] { self.drawLineAgain(); }});
+      self.dropped_ = self.wait_({.before = [&] { self.takeLineAway(); },
+                                  .after = [&] { el_set(edit, EL_REFRESH); }}) == Waited::interrupted;
     } catch (...) {
       self.trouble_ = std::current_exception();
     }
     self.calm_.lock();
-    if (self.trouble_) return -1;
+    if (self.dropped_) self.leaveLine(fmt::format("^C  ({})", kAgainEnds));
+    if (self.trouble_ || self.dropped_) return -1;
     char byte = 0;
     const ssize_t count = read(STDIN_FILENO, &byte, 1);
     if (count < 0 && errno == EINTR) continue;
@@ -103,6 +123,12 @@ int LineEditor::readCharacter(EditLine* edit, wchar_t* character) {
   }
 }
 
+size_t LineEditor::columns() const {
+  int columns = 0;
+  el_get(edit_.get(), EL_GETTC, "co", &columns);
+  return static_cast<size_t>(std::max(columns, 1));
+}
+
 /// Clears the rows that prompt and line take, and leaves the cursor where they began.
 void LineEditor::takeLineAway() {
   char* clear = nullptr;
@@ -113,13 +139,17 @@ void LineEditor::takeLineAway() {
   }
   const LineInfoW* line = el_wline(edit_.get());
   const auto before_cursor = static_cast<size_t>(line->cursor - line->buffer);
-  const size_t row = (prompt_.size() + before_cursor) / terminalColumns();
+  const size_t row = (std::string_view(kPrompt).size() + before_cursor) / columns();
   if (row > 0) fmt::print("\x1b[{}A", row);
   std::fputs("\r\x1b[J", stdout);
 }
 
-void LineEditor::drawLineAgain() {
-  el_set(edit_.get(), EL_REFRESH);
+/// Goes to below the line, which stays.
+void LineEditor::leaveLine(std::string_view mark) {
+  const LineInfo* line = el_line(edit_.get());
+  const std::string typed(line->buffer, line->lastchar);
+  takeLineAway();
+  fmt::print("{}{}{}\n", kPrompt, typed, mark);
 }
 
 unsigned char LineEditor::completeWord(EditLine* edit, int /*key*/) {
@@ -137,14 +167,12 @@ void LineEditor::list(const std::vector<std::string>& candidates) {
   size_t width = 0;
   for (const std::string& candidate : candidates)
     width = std::max(width, candidate.size() + 2);
-  const size_t columns = std::max<size_t>(1, terminalColumns() / width);
-  const LineInfo* line = el_line(edit_.get());
-  const std::string typed(line->buffer, line->lastchar);
-  takeLineAway();
-  fmt::print("{}{}\n", prompt_, typed);
-  for (size_t i = 0; i < candidates.size(); ++i)
-    fmt::print("{:<{}}{}", candidates[i], width, (i + 1) % columns == 0 ? "\n" : "");
-  if (candidates.size() % columns != 0) fmt::print("\n");
+  const size_t in_a_row = std::max<size_t>(1, columns() / width);
+  leaveLine("");
+  for (size_t i = 0; i < candidates.size(); ++i) {
+    const bool last = i + 1 == candidates.size() || (i + 1) % in_a_row == 0;
+    fmt::print("{:<{}}{}", candidates[i], last ? 0 : width, last ? "\n" : "");
+  }
 }
 
 }  // namespace tools

@@ -1,6 +1,7 @@
 #include "tools/shell/process_news.h"
 
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,7 +10,8 @@
 #include <cstdint>
 #include <stdexcept>
 #include <system_error>
-#include <utility>
+
+#include "tools/bench/interruption.h"
 
 namespace tools {
 
@@ -18,20 +20,26 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using handset::Millis;
 
-constexpr Millis kAtOnce{0};
+/// A trace wakes nobody, so it is looked after now and then.
 constexpr Millis kGlance{100};
+constexpr Millis kLongest{60'000};
 /// Of one turn, so that somebody can still type while messages come without end.
 constexpr size_t kMessagesAtOnce = 32;
 
-std::optional<Clock::time_point> deadlineIn(std::optional<Millis> timeout) {
-  if (!timeout) return std::nullopt;
-  return Clock::now() + *timeout;
+bool never() {
+  return false;
 }
 
-int pollTime(std::optional<Clock::time_point> deadline) {
-  if (!deadline) return -1;
-  const auto left = std::chrono::ceil<Millis>(*deadline - Clock::now());
-  return static_cast<int>(std::max(left, Millis::zero()).count());
+/// Takes out what settling itself led to, which nobody asked for: it comes last of all indications.
+void dropSettling(Happenings& happenings) {
+  bool settling = false;
+  std::erase_if(happenings, [&settling](const Happening& happening) {
+    if (const auto* crossing = std::get_if<handset::Crossing>(&happening.what))
+      return crossing->indication && crossing->id == kUnknownIndication;
+    const auto* line = std::get_if<std::string>(&happening.what);
+    if (line != nullptr && line->find(": msg_id=0xffff ") != std::string::npos) settling = true;
+    return settling && line != nullptr;
+  });
 }
 
 }  // namespace
@@ -50,48 +58,61 @@ void ProcessNews::finish() {
   show(rest);
 }
 
-std::optional<bool> ProcessNews::waitOnce(int fd, const Interlude& interlude, Deadline deadline) {
-  enum : size_t { kWanted, kOutput, kMessages, kLog, kProcess, kCount };
-  pollfd watched[kCount] = {};
-  watched[kWanted] = {fd, POLLIN, 0};
-  watched[kOutput] = {STDOUT_FILENO, 0, 0};
-  watched[kMessages] = {serving_ && hears_messages_ ? station_.process().unsolicitedFd() : -1, POLLIN, 0};
-  watched[kLog] = {shows_logs_ && station_.started() ? station_.process().newLogsFd() : -1, POLLIN, 0};
-  watched[kProcess] = {serving_ ? station_.process().processFd() : -1, POLLIN, 0};
-  // A trace wakes nobody, so it is looked after now and then.
-  const Deadline glance = Clock::now() + kGlance;
-  const bool glances = shows_trace_ && (!deadline || *glance < *deadline);
-  const int ready = poll(watched, kCount, pollTime(glances ? glance : deadline));
-  if (ready == 0 && !glances) return std::nullopt;
-  if (ready < 0) return false;
-  if ((watched[kOutput].revents & POLLERR) != 0)
-    throw std::system_error(EPIPE, std::generic_category(), "standard output");
-  News news;
-  if (watched[kMessages].revents != 0) takeMessages(news, kMessagesAtOnce);
-  if (watched[kProcess].revents != 0) {
-    takeMessages(news, SIZE_MAX);
-    serving_ = false;
-    news.trouble =
-        station_.trouble("nothing serves requests any more").what() + std::string("\nrestart starts it anew");
+void ProcessNews::takeCtrlC() {
+  ctrl_c_ = takeFirstCtrlC();
+}
+
+Waited ProcessNews::wait(int fd, const std::function<bool()>& over, std::optional<Millis> timeout,
+                         const Interlude& interlude) {
+  const Clock::time_point start = Clock::now();
+  while (!over()) {
+    const Millis most = shows_trace_ ? kGlance : kLongest;
+    const auto left = timeout ? *timeout - std::chrono::floor<Millis>(Clock::now() - start) : most;
+    if (left <= Millis::zero()) return Waited::late;
+    enum : size_t { kWanted, kOutput, kCtrlC, kMessages, kLog, kProcess, kCount };
+    pollfd watched[kCount] = {};
+    watched[kWanted] = {fd, POLLIN, 0};
+    watched[kOutput] = {STDOUT_FILENO, 0, 0};
+    watched[kCtrlC] = {interrupted_ ? -1 : ctrl_c_, POLLIN, 0};
+    watched[kMessages] = {serving_ && hears_messages_ ? station_.process().unsolicitedFd() : -1, POLLIN, 0};
+    watched[kLog] = {shows_logs_ && station_.started() ? station_.process().newLogsFd() : -1, POLLIN, 0};
+    watched[kProcess] = {serving_ ? station_.process().processFd() : -1, POLLIN, 0};
+    if (poll(watched, kCount, static_cast<int>(std::min(left, most).count())) < 0) continue;
+    if ((watched[kOutput].revents & POLLERR) != 0)
+      throw std::system_error(EPIPE, std::generic_category(), "standard output");
+    News news;
+    const bool ended = watched[kProcess].revents != 0;
+    if (ended || watched[kMessages].revents != 0) takeMessages(news, ended ? SIZE_MAX : kMessagesAtOnce);
+    if (ended) {
+      serving_ = false;
+      news.trouble = station_.trouble("nothing serves requests any more").what() +
+                     std::string("\nrestart starts it anew");
+    }
+    takeLines(news);
+    if (!news.happenings.empty() || !news.trouble.empty()) {
+      interlude.before();
+      show(news);
+      interlude.after();
+    }
+    if (watched[kCtrlC].revents != 0) {
+      interrupted_ = true;
+      return Waited::interrupted;
+    }
+    if (watched[kWanted].revents != 0) return Waited::done;
   }
-  takeLines(news);
-  if (!news.happenings.empty() || !news.trouble.empty()) {
-    interlude.before();
-    show(news);
-    interlude.after();
-  }
-  return watched[kWanted].revents != 0;
+  return Waited::done;
 }
 
 void ProcessNews::takeMessages(News& news, size_t most) {
   try {
-    while (hears_messages_ && news.messages < most) {
-      std::optional<handset::Bytes> message = station_.process().nextUnsolicited(kAtOnce);
+    const size_t before = unclaimed_;
+    while (hears_messages_ && unclaimed_ - before < most) {
+      std::optional<handset::Bytes> message = station_.process().nextUnsolicited(Millis::zero());
       if (!message) break;
       news.happenings.push_back({Clock::now(), std::move(*message)});
-      ++news.messages;
+      ++unclaimed_;
     }
-    if (news.messages > 0) return;
+    if (unclaimed_ > before) return;
     pollfd pipe{station_.process().unsolicitedFd(), POLLIN, 0};
     poll(&pipe, 1, 0);
     hears_messages_ = pipe.revents != POLLHUP;
@@ -110,35 +131,44 @@ void ProcessNews::show(News& news) {
   sortByTime(news.happenings);
   for (const Happening& happening : news.happenings)
     tools::show(console_, happening);
-  unclaimed_ += news.messages;
   flushOutput();
   if (!news.trouble.empty()) report_(news.trouble);
 }
 
-bool ProcessNews::waitToRead(int fd, const Interlude& interlude, std::optional<Millis> timeout) {
-  const Deadline deadline = deadlineIn(timeout);
-  while (true) {
-    const std::optional<bool> readable = waitOnce(fd, interlude, deadline);
-    if (!readable) return false;
-    if (*readable) return true;
-  }
+Waited ProcessNews::waitForInput(const Interlude& interlude) {
+  const Waited waited = wait(STDIN_FILENO, never, {}, interlude);
+  eventfd_t count = 0;
+  if (waited == Waited::done && interrupted_) interrupted_ = eventfd_read(ctrl_c_, &count) != 0;
+  return waited;
 }
 
-bool ProcessNews::waitForMessage(Millis timeout) {
-  const Deadline deadline = deadlineIn(timeout);
-  while (unclaimed_ == 0) {
-    if (!serving_ || !waitOnce(-1, {}, deadline)) return false;
-  }
-  --unclaimed_;
-  return true;
+Waited ProcessNews::waitForAnswer(std::optional<Millis> timeout) {
+  return wait(station_.process().responsesFd(), never, timeout);
 }
 
-bool ProcessNews::waitForEnd(Millis timeout) {
-  const Deadline deadline = deadlineIn(timeout);
-  while (serving_) {
-    if (!waitOnce(-1, {}, deadline)) return false;
-  }
-  return true;
+Waited ProcessNews::waitForMessage(Millis timeout) {
+  const Waited waited = wait(
+      -1, [this] { return unclaimed_ > 0 || !serving_; }, timeout);
+  if (waited == Waited::done && unclaimed_ > 0) --unclaimed_;
+  return waited;
+}
+
+Waited ProcessNews::waitForEnd(Millis timeout) {
+  return wait(
+      -1, [this] { return !serving_; }, timeout);
+}
+
+std::vector<handset::Bytes> ProcessNews::settle() {
+  News news;
+  station_.settle();
+  takeMessages(news, SIZE_MAX);
+  takeLines(news);
+  dropSettling(news.happenings);
+  show(news);
+  std::vector<handset::Bytes> messages;
+  for (const Happening& happening : news.happenings)
+    if (const auto* message = std::get_if<handset::Bytes>(&happening.what)) messages.push_back(*message);
+  return messages;
 }
 
 void ProcessNews::showLines() {

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "handset/bytes.h"
@@ -20,6 +21,9 @@ struct Interlude {
   std::function<void()> after = [] {};
 };
 
+/// How a wait went: what was waited for is there; the time passed; Ctrl-C.
+enum class Waited { done, late, interrupted };
+
 class ProcessNews {
  public:
   /// `report` is told of what is wrong.
@@ -30,14 +34,21 @@ class ProcessNews {
   void begin();
   /// Shows what is left of a process that has been ended.
   void finish();
-  /// Waits until the descriptor can be read or has ended, and shows meanwhile what comes. False when the time
-  /// passed first, never without one. Throws std::system_error when the reader of the output has gone.
-  bool waitToRead(int fd, const Interlude& interlude = {}, std::optional<handset::Millis> timeout = {});
-  /// Shows one more unsolicited message than the calls before, and waits for it if it has not been shown
-  /// already. False when the time passed or the process ended first.
-  bool waitForMessage(handset::Millis timeout);
-  /// Gives a process that has closed a pipe the time to end, and shows that. False when it does not.
-  bool waitForEnd(handset::Millis timeout);
+  /// From here on, Ctrl-C ends a wait; twice, with no key between, it ends the tool.
+  void takeCtrlC();
+
+  /// Each shows meanwhile what comes, and throws std::system_error when the reader of the output has gone.
+  /// Waits until somebody has typed something, or never will.
+  Waited waitForInput(const Interlude& interlude);
+  /// Waits until the process has written an answer, or never will.
+  Waited waitForAnswer(std::optional<handset::Millis> timeout = {});
+  /// Waits for one more unsolicited message than the calls before, or the process's end.
+  Waited waitForMessage(handset::Millis timeout);
+  /// Gives a process that has closed a pipe the time to end.
+  Waited waitForEnd(handset::Millis timeout);
+  /// Waits until what the modem has indicated is done with, and gives the messages that came of it. Throws
+  /// ProcessTrouble.
+  std::vector<handset::Bytes> settle();
   /// Shows what there is by now of the log and the trace, as far as they are shown at all.
   void showLines();
   void showLogs(bool on);
@@ -50,14 +61,12 @@ class ProcessNews {
  private:
   struct News {
     Happenings happenings;
-    size_t messages = 0;  // of the happenings
     std::string trouble;
   };
-  using Deadline = std::optional<std::chrono::steady_clock::time_point>;
 
-  /// One wait for the descriptor or any news. Whether the descriptor can be read; nothing when the time
-  /// passed.
-  std::optional<bool> waitOnce(int fd, const Interlude& interlude, Deadline deadline);
+  /// Waits until it is over, or the descriptor can be read or has ended.
+  Waited wait(int fd, const std::function<bool()>& over, std::optional<handset::Millis> timeout = {},
+              const Interlude& interlude = {});
   void takeMessages(News& news, size_t most);
   void takeLines(News& news);
   void show(News& news);
@@ -65,6 +74,8 @@ class ProcessNews {
   Station& station_;
   const Console& console_;
   std::function<void(const std::string&)> report_;
+  int ctrl_c_ = -1;           // can be read once Ctrl-C has come
+  bool interrupted_ = false;  // it has, and no key since
   bool serving_ = false;
   bool shows_logs_ = false;
   bool shows_trace_ = false;

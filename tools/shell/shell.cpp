@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <limits>
 #include <system_error>
+#include <utility>
 
 #include "handset/modem_logs.h"
 #include "tools/bench/log_listing.h"
@@ -16,6 +17,7 @@
 #include "tools/records/decode.h"
 #include "tools/records/encode.h"
 #include "tools/records/record_table.h"
+#include "tools/shell/line_editor.h"
 #include "tools/text/usage_error.h"
 
 namespace tools {
@@ -26,8 +28,10 @@ using handset::Bytes;
 using handset::Millis;
 
 constexpr Millis kEndGrace{500};
-constexpr int64_t kWaitDefault = 10;  // seconds
-constexpr int64_t kWaitMax = 3600;
+/// What a thread of its own asks the modem for an indication comes within this.
+constexpr Millis kThreadGrace{300};
+constexpr Millis kWaitDefault{10'000};
+constexpr int64_t kWaitMax = 3600;  // seconds
 constexpr size_t kAny = std::numeric_limits<size_t>::max();
 
 /// Whether a request's name begins with this word.
@@ -35,6 +39,14 @@ bool beginsRequest(std::string_view word) {
   const std::vector<std::string_view> names = requestNames();
   return std::any_of(names.begin(), names.end(),
                      [word](std::string_view name) { return name.substr(0, name.find(' ')) == word; });
+}
+
+/// The words as a line.
+std::string lineOf(Words words) {
+  std::vector<std::string> quoted;
+  for (const std::string& word : words)
+    quoted.push_back(quoteWord(word));
+  return fmt::format("{}", fmt::join(quoted, " "));
 }
 
 std::string endedWith(std::optional<int> status) {
@@ -61,17 +73,30 @@ constexpr Shell::Command Shell::kCommands[] = {
     {"quit", "", "ends the process and the shell; so does the end of the input", 0, &Shell::quit},
 };
 
-Shell::Shell(Station& station, const Console& console)
+Shell::Shell(Station& station, const Console& console, bool at_terminal)
     : station_(station),
       console_(console),
       news_(station, console, [this](const std::string& what) { report(what); }) {
   news_.begin();
+  if (at_terminal)
+    news_.takeCtrlC();
+  else
+    line_number_ = 0;
+}
+
+void Shell::record(const std::string& path) {
+  recording_.emplace(path).addProcess("start", {}, station_.modem().takeRequests());
 }
 
 bool Shell::run(const std::string& line) {
-  if (line_number_) ++*line_number_;
+  if (line_number_) {
+    ++*line_number_;
+    if (!line.empty()) fmt::print("{}{}\n", kPrompt, line);
+  }
   try {
     const std::vector<std::string> words = splitWords(line);
+    if (words.empty() && recording_ && !line.empty())
+      recording_->entitle(line.substr(std::min(line.find_first_not_of("# \t"), line.size())));
     if (!words.empty()) execute(words);
   } catch (const std::system_error& error) {
     if (error.code() == std::errc::broken_pipe) throw;
@@ -89,6 +114,13 @@ void Shell::report(const std::string& what) {
   complain(line_number_ ? fmt::format("line {}: {}", *line_number_, what) : what);
 }
 
+std::vector<std::string_view> Shell::allNames() {
+  std::vector<std::string_view> names = requestNames();
+  for (const Command& command : kCommands)
+    names.push_back(command.name);
+  return names;
+}
+
 void Shell::execute(Words words) {
   const std::string& name = words.front();
   for (const Command& command : kCommands) {
@@ -99,55 +131,83 @@ void Shell::execute(Words words) {
     return (this->*command.run)(words);
   }
   if (beginsRequest(name)) return askRequest(words);
-  std::vector<std::string_view> names = requestNames();
-  for (const Command& command : kCommands)
-    names.push_back(command.name);
   throw UsageError(fmt::format("there is no request and no command '{}'{}; help tells what there is", name,
-                               didYouMean(name, names)));
+                               didYouMean(name, allNames())));
 }
 
 void Shell::needProcess() const {
   if (!news_.serving()) throw UsageError("no process serves requests; restart starts one");
 }
 
-Answer Shell::ask(handset::ByteView request) {
-  handset::Parent& process = station_.process();
-  const handset::Instant asked = std::chrono::steady_clock::now();
-  if (process.send(request)) {
-    if (!news_.waitToRead(process.responsesFd(), {}, kUsualWait)) {
-      console_.note(station_.stillWaiting() + "; Ctrl-C ends the shell");
-      flushOutput();
-      news_.waitToRead(process.responsesFd());
-    }
-    if (std::optional<Bytes> answer = process.nextResponse())
-      return {std::move(*answer), asked, std::chrono::steady_clock::now()};
-  }
-  if (news_.waitForEnd(kEndGrace)) throw UsageError("so no answer came");
+void Shell::tellNoAnswer() {
+  if (news_.waitForEnd(kEndGrace) == Waited::done) throw UsageError("so no answer came");
   throw station_.trouble("no answer came");
+}
+
+/// The answer that is owed; nothing when it was given up.
+std::optional<Bytes> Shell::takeAnswer() {
+  Waited waited = news_.waitForAnswer(kUsualWait);
+  if (waited == Waited::late) {
+    console_.note(station_.stillWaiting() +
+                  (line_number_ ? "; Ctrl-C ends the shell" : "; Ctrl-C gives it up"));
+    flushOutput();
+    waited = news_.waitForAnswer();
+  }
+  if (waited == Waited::interrupted) {
+    console_.note("given up, but the next request waits for it; " + std::string(kAgainEnds));
+    return std::nullopt;
+  }
+  std::optional<Bytes> answer = station_.process().nextResponse();
+  const handset::Instant came = std::chrono::steady_clock::now();
+  if (!answer) tellNoAnswer();
+  const Owed owed = *std::exchange(owed_, std::nullopt);
+  news_.showLines();
+  console_.record("answer", decodeAnswer(owed.request, *answer), *answer, {came, owed.asked});
+  return answer;
 }
 
 void Shell::askRequest(Words words) {
   const Bytes request = encodeWords(words);
   needProcess();
+  if (owed_) {
+    const std::string late = owed_->line;
+    if (!takeAnswer()) return;
+    console_.note(fmt::format("that was the answer to {}, after all", late));
+  }
   // Its title is enough: the fields have just been typed.
-  console_.record("request", {.title = decodeRequest(request).title, .fields = {}}, request,
-                  {.time = std::chrono::steady_clock::now()});
+  const handset::Instant asked = std::chrono::steady_clock::now();
+  console_.record("request", {.title = decodeRequest(request).title, .fields = {}}, request, {.time = asked});
   flushOutput();
-  const Answer answer = ask(request);
-  news_.showLines();
-  console_.record("answer", decodeAnswer(request, answer.bytes), answer.bytes, {answer.came, answer.asked});
+  handset::Parent& process = station_.process();
+  const size_t mark = process.logMark();
+  station_.modem().takeRequests();
+  if (!process.send(request)) tellNoAnswer();
+  owed_ = {lineOf(words), request, asked};
+  const std::optional<Bytes> answer = takeAnswer();
+  if (!records()) return;
+  // The modem has been asked everything then.
+  if (answer) process.waitForLogSince(mark, "Child process waiting for data");
+  recording_->addRequest(lineOf(words), request, answer, station_.modem().takeRequests());
 }
 
 void Shell::tellModem(Words words) {
   station_.needOwnModem("tell it there");
+  station_.modem().takeRequests();
   commandModem(station_.modem(), words.subspan(1));
+  if (!records()) return;
+  if (words[1] != "indicate") return recording_->addModem(lineOf(words.subspan(1)));
+  const std::vector<Bytes> messages = news_.settle();
+  station_.modem().waitForRequests(1, kThreadGrace);
+  recording_->addIndication(lineOf(words.subspan(2)), messages, station_.modem().takeRequests());
 }
 
 void Shell::waitForMessage(Words words) {
-  const int64_t seconds = words.size() > 1 ? parseNumber("SECONDS", words[1], 0, kWaitMax) : kWaitDefault;
+  const Millis time = words.size() > 1 ? parseSeconds("SECONDS", words[1], kWaitMax) : kWaitDefault;
   needProcess();
-  if (!news_.waitForMessage(std::chrono::seconds(seconds)) && news_.serving())
-    throw UsageError(fmt::format("no message came within {} s", seconds));
+  const Waited waited = news_.waitForMessage(time);
+  if (waited == Waited::interrupted) console_.note("given up; " + std::string(kAgainEnds));
+  if (waited == Waited::late)
+    throw UsageError(fmt::format("no message came within {} s", static_cast<double>(time.count()) / 1000));
 }
 
 void Shell::showLogs(Words words) {
@@ -194,35 +254,31 @@ void Shell::listDropbox(Words /*words*/) {
     console_.note(fmt::format("{}  {} ms  {}", entry.tag, entry.milliseconds, entry.text));
 }
 
-std::string Shell::commandReference() {
-  std::string text;
+std::string Shell::reference() {
+  std::string text =
+      "A line is a request by name, with its arguments in order or as FIELD=VALUE, such as\n"
+      "  rde read 10017\n"
+      "  plmn mcc=310 mnc=120\n"
+      "or one of these:\n";
   for (const Command& command : kCommands)
     text += fmt::format("  {:<19} {}\n", fmt::format("{} {}", command.name, command.arguments), command.help);
-  return text;
+  return text +
+         "Tab completes names and arguments; the arrow keys bring lines back, also those of earlier "
+         "sessions.\n"
+         "Ctrl-C drops the line or gives up a wait; twice in a row it ends the shell, as Ctrl-D does.\n";
 }
 
 void Shell::help(Words words) {
   const std::string topic = fmt::format("{}", fmt::join(words.subspan(1), " "));
-  if (topic.empty()) {
-    fmt::print(
-        "A line is a request by name, with its arguments in order or as FIELD=VALUE, such as\n"
-        "  rde read 10017\n"
-        "  plmn mcc=310 mnc=120\n"
-        "or one of these:\n{}Tab completes names and arguments.\n",
-        commandReference());
-    return;
-  }
-  if (topic == "requests") return fmt::print("{}", requestReference());
-  if (topic == "modem") return fmt::print("{}{}", modemReference(), modemNamesReference());
-  if (const std::string request = requestReference(topic); !request.empty()) return fmt::print("{}", request);
-  for (const Command& command : kCommands) {
-    if (command.name != topic) continue;
-    return fmt::print("  {} {}: {}\n", command.name, command.arguments, command.help);
-  }
-  std::vector<std::string_view> names = requestNames();
+  std::string text = topic.empty()      ? reference()
+                     : topic == "modem" ? modemReference() + modemNamesReference()
+                                        : requestReference(topic == "requests" ? "" : topic);
   for (const Command& command : kCommands)
-    names.push_back(command.name);
-  throw UsageError(fmt::format("there is no help for '{}'{}", topic, didYouMean(topic, names)));
+    if (text.empty() && command.name == topic)
+      text = fmt::format("  {} {}: {}\n", command.name, command.arguments, command.help);
+  if (text.empty())
+    throw UsageError(fmt::format("there is no help for '{}'{}", topic, didYouMean(topic, allNames())));
+  fmt::print("{}", text);
 }
 
 std::optional<int> Shell::endProcess() {
@@ -232,13 +288,23 @@ std::optional<int> Shell::endProcess() {
 }
 
 void Shell::restart(Words /*words*/) {
-  if (news_.serving()) console_.note(endedWith(endProcess()));
+  std::optional<int> status;
+  if (news_.serving()) {
+    status = endProcess();
+    console_.note(endedWith(status));
+  } else if (recording_) {
+    recording_.reset();
+    console_.note("what follows is not recorded: in a scenario, the process does not die");
+  }
   flushOutput();
   log_seen_ = 0;
+  owed_.reset();
+  station_.modem().takeRequests();
   station_.start();
   news_.begin();
   news_.showLines();
   console_.note(fmt::format("process {} serves requests", station_.process().pid()));
+  if (recording_) recording_->addProcess("restart", status, station_.modem().takeRequests());
 }
 
 void Shell::quit(Words /*words*/) {
@@ -247,8 +313,12 @@ void Shell::quit(Words /*words*/) {
 
 void Shell::end() {
   if (!news_.serving()) return;
+  // A transcript has what a person would have waited for.
+  if (line_number_) news_.settle();
   const std::optional<int> status = endProcess();
-  if (status != 0) report(endedWith(status));
+  if (status == 0) return;
+  if (recording_ && status) recording_->addProcess("end", status, {});
+  report(endedWith(status));
 }
 
 std::vector<Syntax> Shell::syntax() {
