@@ -24,7 +24,7 @@ class Play : public ToolTest {
   ~Play() override { fs::remove_all(own_); }
 
   /// A file of the test's own.
-  std::string write(const std::string& name, const std::string& text) const {
+  [[nodiscard]] std::string write(const std::string& name, const std::string& text) const {
     const fs::path path = own_ / name;
     fs::create_directories(path.parent_path());
     std::ofstream(path) << text;
@@ -134,26 +134,27 @@ TEST_F(Play, AFileThatIsWrongIsSaidWithThePlaceBeforeAnythingStarts) {
 }
 
 TEST_F(Play, FilesAndFoldersArePlayedByNameEachOnAHandsetOfItsOwnUnlessThatIsKept) {
-  write("story/1/make.json",
-        R"({"title": "One", "steps": [{"file": {"path": "/x", "bytes": "A5*3 00", "at": "0x10"}},
+  const std::string one =
+      write("story/1/make.json",
+            R"({"title": "One", "steps": [{"file": {"path": "/x", "bytes": "A5*3 00", "at": "0x10"}},
     {"expect": {"file": [{"path": "/x", "size": 20}, {"path": "/x", "at": 17, "bytes": "A5A500"}]}}]})");
-  write("story/1/notes.txt", "no scenario");
-  write("story/2.json",
-        R"({"title": "Two", "steps": [{"expect": {"file": {"path": "/x", "absent": true}}}]})");
+  (void)write("story/1/notes.txt", "no scenario");
+  const std::string two = write(
+      "story/2.json", R"({"title": "Two", "steps": [{"expect": {"file": {"path": "/x", "absent": true}}}]})");
   const std::string folder = temporary_ + "/own/story";
   EXPECT_EQ(RunTool({"play", folder}).out,
             "\nOne\n    1  ok          file {\"path\":\"/x\",\"bytes\":\"A5*3 00\","
             "\"at\":\"0x10\"}\n    2  ok          expect file\n\nTwo\n    1  ok          expect file\n\n"
             "3 of 3 steps as expected\n");
   const std::string root = temporary_ + "/own/kept";
-  const ToolResult kept = RunTool({"play", "--root", root, folder + "/1/make.json", folder + "/2.json"});
+  const ToolResult kept = RunTool({"play", "--root", root, one, two});
   EXPECT_EQ(kept.status, 1);
   EXPECT_THAT(kept.out, HasSubstr("    /x is there, and should not be\n\n2 of 3 steps as expected\n"
                                   "    not as expected: " +
-                                  folder + "/2.json\n"));
+                                  two + "\n"));
   const auto all = nlohmann::json::parse(RunTool({"play", "--json", folder}).out);
   EXPECT_EQ(all[1]["scenario"], "Two");
-  EXPECT_EQ(all[1]["file"], folder + "/2.json");
+  EXPECT_EQ(all[1]["file"], two);
   EXPECT_EQ(all[0]["steps"].size(), 2U);
 }
 

@@ -98,13 +98,13 @@ std::vector<std::string> compareQuestion(const Question& expected, const handset
 }
 
 std::string writeQuestion(const handset::Received& asked) {
-  const std::string name = handset::messageName(asked.service, asked.id);
+  std::string name = handset::messageName(asked.service, asked.id);
   if (asked.body.empty()) return name;
   const handset::MessageRow* row = handset::findMessage(asked.service, asked.id);
   if (row == nullptr || row->request_size != asked.body.size())
     return fmt::format("{} {}", name, quoteWord(writeBytes(asked.body)));
   for (const bool with_lengths : {false, true}) {
-    const std::string line = name + writeFields(asked, with_lengths);
+    std::string line = name + writeFields(asked, with_lengths);
     if (readsBack(line, asked)) return line;
   }
   const Bytes zero(1);
