@@ -19,7 +19,6 @@ namespace {
 
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
-using ::testing::Not;
 
 constexpr const char* kPrompt = "hook> ";
 constexpr const char* kCtrlC = "\x03";

@@ -32,7 +32,7 @@ TEST_F(Tour, AnAnswerThatDiffersIsShownFromItsFirstWrongByte) {
                     HasSubstr("\n4 of 5 steps as expected\n")));
 }
 
-TEST_F(Tour, ItsLinesCanBeTypedInTheShell) {
+TEST_F(Tour, ItsLinesCanBeTypedInTheShellRecordedAndPlayedAgain) {
   const ToolResult tour = RunTool({"tour"});
   EXPECT_EQ(tour.status, 0) << tour.out;
   constexpr std::string_view kTourPrompt = "    hook> ";
@@ -45,9 +45,13 @@ TEST_F(Tour, ItsLinesCanBeTypedInTheShell) {
     ++count;
   }
   EXPECT_GT(count, 75U);
-  const ToolResult shell = RunTool({"shell"}, typed);
+  const std::string recorded = temporary_ + "/recorded.json";
+  const ToolResult shell = RunTool({"shell", "--record", recorded}, typed);
   EXPECT_EQ(shell.status, 0);
   EXPECT_THAT(shell.err, IsEmpty());
+  const ToolResult again = RunTool({"play", recorded});
+  EXPECT_EQ(again.status, 0) << again.out << again.err;
+  std::filesystem::remove(recorded);
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ std::string layOut(const Json& value, size_t depth) {
   for (const auto& [key, member] : value.items())
     members.push_back((value.is_object() ? dump(key) + ": " : "") + layOut(member, depth + 1));
   const auto [begin, end] = value.is_object() ? std::pair('{', '}') : std::pair('[', ']');
-  const std::string line = fmt::format("{}{}{}", begin, fmt::join(members, ", "), end);
+  std::string line = fmt::format("{}{}{}", begin, fmt::join(members, ", "), end);
   const std::string indent(2 * depth, ' ');
   if (depth > 1 && indent.size() + line.size() <= kColumns && line.find('\n') == std::string::npos)
     return line;
