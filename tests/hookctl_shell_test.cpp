@@ -293,8 +293,9 @@ TEST_F(Shell, ASessionIsRecordedAsAScenarioThatTellsWhatAnotherBuildDoesOtherwis
   std::filesystem::permissions(executable, std::filesystem::perms::all);
   const ToolResult other = RunTool({"--executable", executable, "play", file});
   EXPECT_EQ(other.status, 1) << other.err;
-  EXPECT_THAT(other.out,
-              HasSubstr("  WRONG       request plmn 310 120\n    name: expected Testnet, not \"Teztnet\"\n"));
+  EXPECT_THAT(
+      other.out,
+      HasSubstr("  WRONG       request plmn 310 120\n    name: expected \"Testnet\", not \"Teztnet\"\n"));
   EXPECT_THAT(other.out, HasSubstr("11 of 12 steps as expected"));
 }
 
