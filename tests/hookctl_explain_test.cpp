@@ -129,6 +129,7 @@ TEST_F(Explain, EveryFormOfALogTellsTheSame) {
       {"\x1b[38;5;196m{0}  77  78 E RIL-KESEXT: {1}\x1b[0m\n", "\x1b[32m{0} 7 8 D Other: {1}\x1b[0m\n", true,
        true},
       {"E RIL-KESEXT: {1}\n", "Other: {1}\n", false, false},
+      {"    E RIL-KESEXT: {1}\n", "    Other: {1}\n", false, false},
   };
   const auto story = [](const std::vector<ordered_json>& events) {
     std::string text;

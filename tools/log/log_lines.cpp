@@ -116,7 +116,8 @@ std::optional<LogLine> readTagged(std::string_view text) {
   if (priority > 0 && text[priority - 1] != ' ') return std::nullopt;
   LogLine line;
   if (!readHead(text.substr(0, priority), line)) return std::nullopt;
-  line.bench = priority == 0 && parting == ' ';
+  // The shell shows them behind a margin.
+  line.bench = parting == ' ' && text.find_first_not_of(' ') == priority;
   line.text = text.substr(tag + kTag.size());
   removeBlanks(line.text);
   if (const size_t end = line.text.find(')'); line.text.starts_with('(') && end != std::string_view::npos) {
