@@ -1,4 +1,5 @@
 // Records back to their fields: what crosses the pipes, what a log has of it, and what is none.
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 
 #include <map>
@@ -202,7 +203,7 @@ TEST_F(Decode, RecordsAreReadAsToolsPrintThem) {
   };
   for (const Case& c : cases) {
     const std::string text = c.text;
-    for (const std::string& input : {text, "# twice\n" + text + text}) {
+    for (const std::string& input : {text, fmt::format("# twice\n{0}{0}", text)}) {
       const std::vector<ordered_json> records = DecodeJson({}, input);
       EXPECT_EQ(records.size(), input == text ? 1U : 2U) << input;
       for (const ordered_json& record : records) {

@@ -1,5 +1,6 @@
 // What holds for hookctl as a whole, and its commands that go on until they are ended.
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -176,9 +177,9 @@ TEST_F(Hookctl, ABashThatSourcesTheScriptCompletesCommandLines) {
     const std::string found{std::istreambuf_iterator<char>(words), {}};
     EXPECT_EQ(found, *c.words == 0 ? " " : c.words) << c.line;
   }
-  for (const std::string shell : {"zsh", "fish"}) {
-    const std::string check = "! command -v " + shell + " >/dev/null || " KESEXT_HOOKCTL " completion " +
-                              shell + " | " + shell + " -n /dev/stdin";
+  for (const char* shell : {"zsh", "fish"}) {
+    const std::string check = fmt::format(
+        "! command -v {0} >/dev/null || " KESEXT_HOOKCTL " completion {0} | {0} -n /dev/stdin", shell);
     EXPECT_EQ(std::system(check.c_str()), 0);
   }
   EXPECT_THAT(RunTool({"completion"}).err, HasSubstr("completion takes bash, zsh or fish"));

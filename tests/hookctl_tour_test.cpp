@@ -21,8 +21,8 @@ TEST_F(Tour, AnAnswerThatDiffersIsShownFromItsFirstWrongByte) {
   std::ofstream(executable) << "#!/bin/bash\nexec " KESEXT_BINARY
                                " \"$@\" 4> >(LC_ALL=C exec stdbuf -o0 tr '\\052' '\\053' >&4)\n";
   std::filesystem::permissions(executable, std::filesystem::perms::all);
-  const ToolResult result = RunTool(
-      {"--executable", executable, "play", "--show", KESEXT_SCENARIOS "/tour/02_fixed_elements.json"});
+  const std::string part = std::string(KESEXT_SCENARIOS) + "/tour/02_fixed_elements.json";
+  const ToolResult result = RunTool({"--executable", executable, "play", "--show", part});
   std::filesystem::remove(executable);
   EXPECT_EQ(result.status, 1) << result.err;
   EXPECT_THAT(result.out,

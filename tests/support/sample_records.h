@@ -12,7 +12,8 @@
 namespace kesext_test {
 
 inline std::string SampleArgument(const tools::FieldSpec& field) {
-  if (field.digits.most > 0) return std::string(field.digits.most, '1');
+  const std::string digits(field.digits.most, '1');
+  if (!digits.empty()) return digits;
   switch (field.kind) {
     case tools::FieldKind::bytes:
       return "0102";
