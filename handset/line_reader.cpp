@@ -15,6 +15,9 @@
 namespace handset {
 namespace {
 
+/// What goes beyond is left out.
+constexpr size_t kLineMax = size_t{64} * 1024;
+
 std::string_view textOf(std::string_view line) {
   const size_t colon = line.find(": ");
   return colon == std::string_view::npos ? line : line.substr(colon + 2);
@@ -61,12 +64,16 @@ ssize_t LineReader::read() {
 void LineReader::take(std::string_view chunk) {
   const Instant now = std::chrono::steady_clock::now();
   for (size_t end = chunk.find('\n'); end != std::string_view::npos; end = chunk.find('\n')) {
-    partial_ += chunk.substr(0, end);
+    addToPartial(chunk.substr(0, end));
     lines_.push_back({now, std::exchange(partial_, {})});
     chunk.remove_prefix(end + 1);
   }
-  partial_ += chunk;
+  addToPartial(chunk);
   announce();
+}
+
+void LineReader::addToPartial(std::string_view chunk) {
+  partial_ += chunk.substr(0, kLineMax - partial_.size());
 }
 
 void LineReader::announce() const {

@@ -61,6 +61,7 @@ class LineReader {
   void run();
   ssize_t read();
   void take(std::string_view chunk);
+  void addToPartial(std::string_view chunk);
   void announce() const;
   /// Of what is kept, the place of line number `from`.
   [[nodiscard]] size_t placeOf(size_t from) const;

@@ -92,6 +92,20 @@ TEST_F(HandsetBench, ALineThatIsNoneIsSaidAndTheOthersCount) {
   EXPECT_THAT(fileText(memory_), HasSubstr("set rdx 5 00")) << "nothing was told, so nothing is written";
 }
 
+TEST_F(HandsetBench, AMemoryThatIsNoneIsBounded) {
+  std::string lines = "stop\nindicate test\n\x1b[2J\nset rde 5 " + std::string(70'000, '0') + '\n';
+  for (int i = 0; i < 1000; ++i)
+    lines += "line\n";
+  Remember(lines + "set bsr-timer 45\n");
+  const ToolResult result = Send({"bsr-timer", "get"});
+  EXPECT_THAT(result.out, HasSubstr("timer        45"));
+  EXPECT_THAT(result.err, AllOf(HasSubstr(":1: stop is nothing"), HasSubstr(":2: indicate is nothing"),
+                                HasSubstr("told '?[2J'"), HasSubstr(":4: a line has up to 65536 characters"),
+                                HasSubstr(": 999 more such lines")));
+  Remember(std::string(5'000'000, 'x'));
+  EXPECT_THAT(Send({"bsr-timer", "get"}).err, HasSubstr("modem.txt has more than 4194304 bytes"));
+}
+
 TEST_F(HandsetBench, AStartThatIsSlowByRightIsWaitedForWithAWord) {
   Remember("delay rde-read 3500\n");
   const ToolResult result = Send({"pfp"});

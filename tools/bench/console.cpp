@@ -49,7 +49,11 @@ bool isCapableTerminal() {
 }
 
 void complain(const std::string& text) {
-  (void)!write(STDERR_FILENO, (text + '\n').data(), text.size() + 1);
+  std::string line = text + '\n';
+  // What is quoted there may be anything, and is nothing for a terminal to act upon.
+  std::replace_if(
+      line.begin(), line.end(), [](unsigned char c) { return (c < ' ' && c != '\n') || c == 0x7F; }, '?');
+  (void)!write(STDERR_FILENO, line.data(), line.size());
 }
 
 double secondsSinceStart(handset::Instant time) {

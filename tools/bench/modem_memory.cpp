@@ -4,11 +4,14 @@
 #include <fmt/ranges.h>
 
 #include <exception>
+#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "handset/message_table.h"
@@ -27,6 +30,11 @@ using handset::Modem;
 using Lines = std::vector<std::string>;
 
 constexpr const char* kMemoryPath = "/modem.txt";
+/// More than what a modem is kept as ever has.
+constexpr uintmax_t kMemoryMax = uintmax_t{4} * 1024 * 1024;  // bytes
+constexpr size_t kLineMax = size_t{64} * 1024;
+/// Of lines that are wrong.
+constexpr size_t kShown = 5;
 constexpr const char* kHeading =
     "# What the modem was told and what was written, as `hookctl modem` is told it.";
 
@@ -90,21 +98,41 @@ std::string memoryOf(const Modem& modem) {
   return fmt::format("{}\n", fmt::join(lines, "\n"));
 }
 
+/// Tells the modem what a line keeps. Throws UsageError for one that keeps nothing.
+void recallLine(const std::string& line, Modem& modem) {
+  const std::vector<std::string> words = splitWords(line.substr(0, kLineMax));
+  if (line.size() > kLineMax) throw UsageError(fmt::format("a line has up to {} characters", kLineMax));
+  for (const std::string_view deed : {"indicate", "start", "stop"})
+    if (!words.empty() && words.front() == deed)
+      throw UsageError(fmt::format("{} is nothing that a modem is kept by", deed));
+  commandModem(modem, words);
+}
+
 void recall(const handset::Folder& folder, Modem& modem) {
+  const std::string path = folder.path(kMemoryPath);
+  std::error_code none;
+  if (const auto size = std::filesystem::file_size(path, none); !none && size > kMemoryMax)
+    throw UsageError(
+        fmt::format("{} has more than {} bytes, so no modem is kept there: take it away, or take "
+                    "another folder",
+                    path, kMemoryMax));
   const std::optional<Bytes> memory = folder.readFile(kMemoryPath);
   if (!memory) return;
   std::istringstream lines(std::string(memory->begin(), memory->end()));
   std::string line;
+  size_t wrong = 0;
   for (size_t number = 1; std::getline(lines, line); ++number) {
     try {
-      commandModem(modem, splitWords(line));
+      recallLine(line, modem);
     } catch (const UsageError& error) {
-      complain(
-          fmt::format("hookctl: {}:{}: {}; the modem goes without that line: mend the file, or tell the "
-                      "modem reset",
-                      folder.path(kMemoryPath), number, error.what()));
+      if (++wrong <= kShown)
+        complain(
+            fmt::format("hookctl: {}:{}: {:.300}; the modem goes without that line: mend the file, or tell "
+                        "the modem reset",
+                        path, number, error.what()));
     }
   }
+  if (wrong > kShown) complain(fmt::format("hookctl: {}: {} more such lines", path, wrong - kShown));
 }
 
 /// Writes the file whenever there is something else to be written than the last time.

@@ -44,13 +44,14 @@ void obey(handset::Modem& modem, const std::string& line) {
 
 /// Goes on when the input has ended; only an interruption is the end.
 [[noreturn]] void serve(handset::Modem& modem, const Console& console) {
-  const handset::LineReader input(host::UniqueFd(dup(STDIN_FILENO)));
+  handset::LineReader input(host::UniqueFd(dup(STDIN_FILENO)));
   size_t obeyed = 0;
   while (true) {
     for (const std::string& line : input.lines(obeyed)) {
       obey(modem, line);
       ++obeyed;
     }
+    input.forget(obeyed);
     modem.waitForRequests(1, kGlance);
     showCrossings(modem, console);
   }

@@ -102,8 +102,11 @@ std::vector<std::string_view> nearest(std::string_view word, std::span<const std
   std::vector<std::pair<size_t, std::string_view>> ranked;
   for (const std::string_view candidate : candidates) {
     const bool begins = !word.empty() && candidate.starts_with(word);
+    const size_t longer = std::max(word.size(), candidate.size());
+    const size_t most = 1 + longer / 3;
+    if (!begins && longer - std::min(word.size(), candidate.size()) > most) continue;
     const size_t far = begins ? 0 : distance(word, candidate);
-    if (far <= 1 + std::max(word.size(), candidate.size()) / 3) ranked.emplace_back(far, candidate);
+    if (far <= most) ranked.emplace_back(far, candidate);
   }
   std::stable_sort(ranked.begin(), ranked.end(),
                    [](const auto& a, const auto& b) { return a.first < b.first; });
