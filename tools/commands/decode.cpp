@@ -176,6 +176,7 @@ void Decoder::take(std::string& line, size_t number) {
 }
 
 void Decoder::takeRow(std::string_view line, size_t number) {
+  if (line.starts_with("unsigned ")) return finish();  // around what xxd -i prints
   const HexRow row = text_.read(line);
   if (line == "*" && text_.isDump()) return text_.squeeze();
   if (row.wrong && isLogLine(line)) {

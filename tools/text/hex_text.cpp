@@ -8,7 +8,10 @@ namespace tools {
 
 namespace {
 
+constexpr size_t kHalfRow = 23;  // characters of "00 01 02 03 04 05 06 07"
 constexpr std::string_view kBetween = " \t\r\n";
+/// What parts digits besides commas and 0x: also of arrays, literals and addresses.
+constexpr std::string_view kParts = " \t\r\n:;-{}[]()\"'";
 constexpr std::string_view kDigits = "0123456789abcdefABCDEF";
 
 bool isHex(std::string_view word) {
@@ -80,6 +83,10 @@ HexRow HexText::read(std::string_view line) const {
   const size_t data = std::min(line.find_first_not_of(kBetween, behind), line.size());
   // Two blanks are in front of the characters; where these have a frame, they may be among the bytes too.
   size_t column = line.find("  ", data);
+  // But for eight bytes with the other eight behind them.
+  if (const size_t other = column < line.size() ? line.find("  ", column + 2) : column;
+      column - data == kHalfRow && other < line.size() && groupSize(line.substr(column, other - column)) == 2)
+    column = other;
   if (const size_t frame = colon ? std::string_view::npos : line.find_first_of("|>", data);
       frame != std::string_view::npos)
     column = frame;
@@ -92,17 +99,30 @@ HexRow HexText::read(std::string_view line) const {
     at = data;
     line = line.substr(0, column);
   }
+  size_t group = 0;
+  bool listed = false;
+  const auto endGroup = [&] {
+    // Of a list, a digit alone is a byte.
+    if (listed && row.digits.size() - group == 1) row.digits.insert(group, 1, '0');
+    group = row.digits.size();
+  };
   for (; at < line.size() && line[at] != '#'; ++at) {
-    const bool prefix = line[at] == '0' && at + 1 < line.size() && (line[at + 1] | 0x20) == 'x';
+    const bool prefix =
+        (line[at] == '0' || line[at] == '\\') && at + 1 < line.size() && (line[at + 1] | 0x20) == 'x';
+    listed = listed || line[at] == ',';
     row.open = line[at] == ',' || (row.open && kBetween.find(line[at]) != std::string_view::npos);
     if (prefix) ++at;
-    if (prefix || row.open || line[at] == ':' || kBetween.find(line[at]) != std::string_view::npos) continue;
+    if (prefix || row.open || kParts.find(line[at]) != std::string_view::npos) {
+      endGroup();
+      continue;
+    }
     if (kDigits.find(line[at]) == std::string_view::npos) {
       row.wrong = at;
       break;
     }
     row.digits += line[at];
   }
+  endGroup();
   if (has_offset && !colon && groupSize(rest) == 4) swapPairs(row.digits);
   return row;
 }
