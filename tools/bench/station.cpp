@@ -31,20 +31,24 @@ using handset::Instant;
 constexpr size_t kLastLines = 8;
 /// A process that closes its pipes is given this long to end.
 constexpr handset::Millis kGrace{500};
-/// Longer than anything that the process may take: it gives the vendor service 500 s to come up, the two
-/// others 25 s each, and the modem 15 s for each message, at the start as for a request.
-constexpr handset::Millis kPatience{900'000};
+/// The longest that the process may take is a start: what it gives the services, and the modem for 5
+/// messages; a request has up to 23 of those, when it programs the NAM. Then there is what a slow machine
+/// takes.
+constexpr std::chrono::seconds kVendorWait{500};
+constexpr std::chrono::seconds kCarrierWait{25};
+constexpr handset::Millis kPatience =
+    kVendorWait + 2 * kCarrierWait + 5 * handset::kProcessPatience + std::chrono::minutes(1);
+static_assert(kPatience > 23 * handset::kProcessPatience);
 
 /// The last log line of a process that is not served by a service, and what that means.
 struct ServiceWait {
   std::string_view line;
-  std::string_view meaning;
+  std::string_view missing;
+  std::chrono::seconds patience;
 };
 constexpr ServiceWait kServiceWaits[] = {
-    {": sprint_client_init: wait for server to come up.",
-     "the modem does not publish nas or dms; the process gives each 25 s"},
-    {": qmi_kesext_hook_client_init: wait for server to come up.",
-     "the modem does not publish vendor; the process gives it 500 s"}};
+    {": sprint_client_init: wait for server to come up.", "nas or dms", kCarrierWait},
+    {": qmi_kesext_hook_client_init: wait for server to come up.", "vendor", kVendorWait}};
 
 /// Throws UsageError when the process, which becomes another user where it can, could not enter a folder on
 /// the way.
@@ -178,7 +182,8 @@ std::string Station::stillWaiting() {
   const std::vector<std::string> lines = process_->logs();
   for (const ServiceWait& wait : kServiceWaits)
     if (!message && !lines.empty() && lines.back().ends_with(wait.line))
-      return text + std::string(wait.meaning);
+      return text + fmt::format("the modem does not publish {}; the process gives it {} s", wait.missing,
+                                wait.patience.count());
   if (!message) return text + fmt::format("the process gives the modem {} s for each message", patience);
   return text + fmt::format("the modem has not answered {}; the process gives it {} s",
                             handset::messageName(message->first, message->second), patience);

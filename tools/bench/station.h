@@ -75,8 +75,6 @@ class Station {
   handset::Parent& process();
   handset::Modem& modem() { return modem_; }
   handset::Folder& folder() { return folder_; }
-  /// Whether the modem is another tool's, so that this one's says and does nothing.
-  [[nodiscard]] bool modemIsShared() const { return modem_is_shared_; }
   /// Throws UsageError, with what to do instead, when it is.
   void needOwnModem(std::string_view instead) const;
 
