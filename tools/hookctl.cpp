@@ -81,10 +81,10 @@ bool isClosedOutput(const std::system_error& error) {
 
 int main(int argc, char** argv) {
   keepStandardDescriptors();
-  watchForInterruption();
-  (void)std::signal(SIGPIPE, SIG_IGN);
   int status = kStatusWrong;
   try {
+    watchForInterruption();
+    (void)std::signal(SIGPIPE, SIG_IGN);
     status = run(argc, argv);
     flushOutput();
   } catch (const UsageError& error) {

@@ -113,6 +113,7 @@ void startCleaner() {
     close(ends[0]);
     runCleaner(ends[1], job);
   }
+  if (cleaner_pid < 0) throw std::system_error(errno, std::generic_category(), "fork");
   close(ends[1]);
   cleaner_orders = ends[0];
 }

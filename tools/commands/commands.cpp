@@ -38,8 +38,7 @@ CLI::Option* addShared(CLI::App& command, const SharedOptions& options) {
   if (options.root != nullptr)
     root = command
                .add_option("--root", *options.root,
-                           "a handset folder, made when missing and kept, with the modem that runs there if "
-                           "one does; a fresh one when not given")
+                           "a handset folder, made when missing and kept; a fresh one when not given")
                ->envname("HOOKCTL_ROOT")
                ->option_text("FOLDER");
   if (options.instance != nullptr)
