@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <sstream>
@@ -32,11 +33,12 @@ using handset::Bytes;
 constexpr FieldSpec kDigitsSoFar[] = {{"digits", kRest, FieldKind::bytes}};
 
 constexpr const char* kDecodeFooter =
-    R"(Standard input is a record on each line, as hexadecimal digits in any grouping, with blanks, commas, colons
-and 0x; or what hexdump -C, xxd, xxd -p or od -A x -t x1 print, whose rows go on as long as their offsets
-do; with --blocks a record goes on until an empty line. A '#' begins a comment. Or it is a log, in any form of logcat:
-from the first line with a priority and a tag on, only the "HexDump: Data ..." lines count. What such a
-dump is, the line before it tells; where that is missing, its bytes do.
+    R"(Standard input is a record on each line, as hexadecimal digits in any grouping, with blanks, commas, colons,
+dashes, brackets, quotes, 0x and \x; or what hexdump -C, xxd, xxd -p, xxd -i, od -A x -t x1 or od -An -t x1
+print, whose rows go on as long as their offsets or commas do, or while they are full; with --blocks a
+record goes on until an empty line. A '#' begins a comment. Or it is a log, in any form of logcat: from the
+first line with a priority and a tag on, only the "HexDump: Data ..." lines count. What such a dump is, the
+line before it tells; where that is missing, its bytes do.
 
 Without --as the bytes tell the kind: the one that they parse as. What an answer is made of, its id tells;
 only the answer to data-plmn has no header, so that needs --request data-plmn.
@@ -192,7 +194,8 @@ void Decoder::takeRow(std::string_view line, size_t number) {
   text_.add(row);
   text_problem_ = problemIn(row, line);
   text_end_ = line.size();
-  const bool full = row.digits.size() == HexText::kPlainRow && !parses(text_.digits());
+  const auto* plain = std::ranges::find(HexText::kPlainRows, row.digits.size());
+  const bool full = plain != std::end(HexText::kPlainRows) && !parses(text_.digits());
   const bool more = options_.blocks || text_.isOpen() || (text_.isDump() ? !row.digits.empty() : full);
   if (row.wrong || !more) finish();
 }

@@ -23,8 +23,8 @@ class HexText {
  public:
   /// More than any record's digits.
   static constexpr size_t kMost = size_t{128} * 1024;
-  /// Of a row of xxd -p that others may follow.
-  static constexpr size_t kPlainRow = 60;
+  /// Of rows that others may follow: of xxd -p, and of od -An -t x1.
+  static constexpr size_t kPlainRows[] = {60, 32};
 
   /// Blanks, commas, colons and 0x part digits; a '#' makes the rest of the line a comment. What could be a
   /// dump's offset or a byte is told by the rows before it.
