@@ -149,7 +149,10 @@ void Station::start() {
 
 std::optional<int> Station::end() {
   process_->closeRequests();
-  return waitForEnd(handset::kTimeout);
+  if (const std::optional<int> status = waitForEnd(kUsualWait)) return status;
+  // It goes through with a request that nobody waits for any more.
+  complain("hookctl: " + stillWaiting());
+  return waitForEnd(kPatience);
 }
 
 std::optional<int> Station::waitForEnd(handset::Millis timeout) {
