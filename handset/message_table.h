@@ -17,6 +17,7 @@
 namespace handset {
 
 using host::Service;
+inline constexpr Service kServices[] = {Service::vendor, Service::nas, Service::dms};
 
 /// How many bytes the fields take.
 constexpr size_t sizeOf(Fields fields) {

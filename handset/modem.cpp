@@ -12,16 +12,6 @@ namespace {
 using host::FrameHeader;
 using host::FrameKind;
 
-bool isService(Service service) {
-  switch (service) {
-    case Service::dms:
-    case Service::nas:
-    case Service::vendor:
-      return true;
-  }
-  return false;
-}
-
 FrameHeader responseHeader(Service service, uint16_t id, uint32_t transaction, int32_t code) {
   return {FrameKind::response, service, id, transaction, code};
 }
@@ -79,30 +69,28 @@ void Modem::refuseConnect(Service service, int32_t code) {
   published_[service].refusal = code;
 }
 
-void Modem::handle(Service service, uint16_t id, Handler handler) {
+void Modem::setRule(Service service, uint16_t id, Rule rule) {
   changeSome([&] {
-    Rule& rule = rules_[{service, id}];
-    rule = {.reply = std::nullopt, .handler = std::move(handler), .delay = rule.delay};
+    Rule& kept = rules_[{service, id}];
+    rule.delay = kept.delay;
+    kept = std::move(rule);
   });
 }
 
-void Modem::setReply(Service service, uint16_t id, Reply reply) {
-  changeSome([&] {
-    Rule& rule = rules_[{service, id}];
-    rule = {.reply = std::move(reply), .handler = {}, .delay = rule.delay};
-  });
+void Modem::handle(Service service, uint16_t id, Handler handler) {
+  setRule(service, id, {.handler = std::move(handler)});
 }
 
 void Modem::answer(Service service, uint16_t id, ByteView body) {
-  setReply(service, id, {0, Bytes(body.begin(), body.end())});
+  setRule(service, id, {.reply = Reply{0, Bytes(body.begin(), body.end())}});
 }
 
 void Modem::fail(Service service, uint16_t id, int32_t code) {
-  setReply(service, id, {code, {}});
+  setRule(service, id, {.reply = Reply{code, {}}});
 }
 
 void Modem::silence(Service service, uint16_t id) {
-  changeSome([&] { rules_[{service, id}].silent = true; });
+  setRule(service, id, {.silent = true});
 }
 
 void Modem::delay(Service service, uint16_t id, Millis time) {
@@ -139,7 +127,7 @@ std::optional<Bytes> Modem::element(uint32_t index, uint32_t record) const {
 }
 
 void Modem::reset() {
-  for (const Service service : {Service::dms, Service::nas, Service::vendor}) {
+  for (const Service service : kServices) {
     publish(service, Publication{}.instances);
     refuseConnect(service, 0);
   }
@@ -244,7 +232,7 @@ void Modem::onPacket(ConnectionId id, ByteView packet) {
   FrameHeader header;
   if (packet.size() < sizeof header) return;
   std::memcpy(&header, packet.data(), sizeof header);
-  if (!isService(header.service)) return;
+  if (std::ranges::find(kServices, header.service) == std::end(kServices)) return;
   switch (header.kind) {
     case FrameKind::lookup:
       return onLookup(id, header.service);

@@ -95,8 +95,8 @@ class Modem {
 
   /// What requests are answered by instead of the state, of those that it was told anything of.
   struct Rule {
-    std::optional<Reply> reply;
-    Handler handler;
+    std::optional<Reply> reply = std::nullopt;
+    Handler handler = {};
     Millis delay{0};
     bool silent = false;
   };
@@ -159,7 +159,8 @@ class Modem {
     Service service{};
   };
 
-  void setReply(Service service, uint16_t id, Reply reply);
+  /// In place of the one that is there, but for its delay.
+  void setRule(Service service, uint16_t id, Rule rule);
   void forgetAnswered(Instant now);
   void record(Crossing crossing);
   void onPacket(ConnectionId id, ByteView packet);

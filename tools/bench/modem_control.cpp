@@ -109,12 +109,9 @@ ModemOrder restore(Words arguments) {
   return [&row](Modem& modem) { modem.restore(row.service, row.id); };
 }
 
-constexpr handset::Service kServices[] = {handset::Service::vendor, handset::Service::nas,
-                                          handset::Service::dms};
-
 ModemOrder publish(Words arguments) {
   constexpr int64_t kInstancesMax = 16;
-  for (const handset::Service service : kServices) {
+  for (const handset::Service service : handset::kServices) {
     if (handset::serviceName(service) != arguments[0]) continue;
     const auto instances = static_cast<int32_t>(parseNumber("INSTANCES", arguments[1], 0, kInstancesMax));
     return [service, instances](Modem& modem) { modem.publish(service, instances); };

@@ -92,7 +92,7 @@ std::string memoryOf(const Modem& modem) {
   Lines lines{kHeading};
   keepState(modem.state(), lines);
   keepRules(modem, lines);
-  for (const auto service : {handset::Service::vendor, handset::Service::nas, handset::Service::dms})
+  for (const handset::Service service : handset::kServices)
     if (modem.instances(service) != 1)
       lines.push_back(fmt::format("publish {} {}", handset::serviceName(service), modem.instances(service)));
   return fmt::format("{}\n", fmt::join(lines, "\n"));
