@@ -117,6 +117,7 @@ TEST_F(Play, AFileThatIsWrongIsSaidWithThePlaceBeforeAnythingStarts) {
       {R"({"file": {"path": "/a", "size": -1}})", "takes a number from 0 to"},
       {R"({"file": {"path": "/a", "size": 1e999}})", "1e999"},
       {R"({"expect": {}})", "does nothing and expects nothing"},
+      {R"({"modem": []})", "step 1 (modem []): the step does nothing and expects nothing"},
       {"7", "step 1: takes {\"KEY\": VALUE, ...}, not 7"},
       {"", "a scenario has \"steps\""},
       {"{\"process\": \"start\"},\n  {\"title\" 1}", "scenario.json:2:12: syntax error"},

@@ -1,5 +1,6 @@
 // The shell, at a terminal and in a script.
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -17,8 +18,10 @@
 namespace kesext_test {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
+using ::testing::Not;
 
 constexpr const char* kPrompt = "hook> ";
 constexpr const char* kCtrlC = "\x03";
@@ -250,7 +253,7 @@ TEST_F(Shell, AScriptEndsBehindTheMessagesOfItsIndications) {
   std::string typed = "log on\ntrace on\n";
   for (int i = 0; i < kIndications; ++i)
     typed += "modem indicate carrier-value 7\n";
-  for (const char* last : {"", "quit\n"}) {
+  for (const char* last : {"", "quit\n", "restart\n"}) {
     const ToolResult result = RunTool({"shell"}, typed + last);
     EXPECT_EQ(result.status, 0);
     size_t messages = 0;
@@ -299,6 +302,20 @@ TEST_F(Shell, ASessionIsRecordedAsAScenarioThatTellsWhatAnotherBuildDoesOtherwis
   EXPECT_THAT(other.out, HasSubstr("11 of 12 steps as expected"));
 }
 
+TEST_F(Shell, ARecordedSessionNeedsNothingBesideItsFileToBePlayed) {
+  const std::string file = kept_ / "session.json";
+  const ToolResult session = RunTool({"shell", "--instance", "1", "--record", file},
+                                     "modem indicate carrier-value 3\nlog since\nnam read\n"
+                                     "rde write 3 text:caf\xE9\n");
+  EXPECT_EQ(session.err,
+            "line 4: a line that is recorded has to be UTF-8; other bytes are given as digits\n");
+  EXPECT_THAT(session.out, AllOf(HasSubstr("Unsol resp 0x12 is handled"), Not(HasSubstr("65535"))));
+  EXPECT_THAT(ReadFile(file), AllOf(HasSubstr("  \"instance\": 1,\n"), HasSubstr("\"imsiT\": \"\",\n"),
+                                    Not(HasSubstr("\"bytes\""))));
+  const ToolResult same = RunTool({"play", file});
+  EXPECT_EQ(same.status, 0) << same.out << same.err;
+}
+
 TEST_F(Shell, ARecordedSessionIsKeptWhateverEndsIt) {
   const std::string file = kept_ / "session.json";
   {
@@ -336,6 +353,10 @@ TEST_F(Shell, ARecordedSessionIsKeptWhateverEndsIt) {
   EXPECT_EQ(nowhere.status, 2);
   EXPECT_THAT(nowhere.err,
               HasSubstr("cannot be recorded in /nowhere/session.json: No such file or directory"));
+  const std::string pipe = kept_ / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_THAT(RunTool({"shell", "--record", pipe}).err, HasSubstr("/pipe, which is no file"));
+  EXPECT_TRUE(std::filesystem::is_fifo(pipe));
 }
 
 }  // namespace

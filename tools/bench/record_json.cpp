@@ -39,9 +39,6 @@ Json toJson(const DecodedRecord& decoded, handset::ByteView bytes) {
     if (field.name == "msgId") {
       record["id"] = value;
       record["name"] = decoded.name.empty() ? Json() : Json(decoded.name);
-    } else if (field.kind == FieldKind::status) {
-      record["status"] = value;
-      record["status_name"] = statusName(value.get<uint32_t>());
     }
     fields.push_back({{"name", field.name},
                       {"value", value},
@@ -49,6 +46,10 @@ Json toJson(const DecodedRecord& decoded, handset::ByteView bytes) {
                       {"offset", field.offset},
                       {"size", field.size},
                       {"hex", handset::toHex(part, "")}});
+  }
+  if (decoded.status) {
+    record["status"] = *decoded.status;
+    record["status_name"] = statusName(*decoded.status);
   }
   record["hex"] = handset::toHex(bytes, "");
   record["fields"] = std::move(fields);

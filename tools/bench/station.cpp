@@ -1,6 +1,7 @@
 #include "tools/bench/station.h"
 
 #include <fmt/format.h>
+#include <poll.h>
 #include <sys/fsuid.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -27,6 +28,7 @@ namespace {
 using handset::Bytes;
 using handset::ByteView;
 using handset::Instant;
+using Clock = std::chrono::steady_clock;
 
 constexpr size_t kLastLines = 8;
 /// A process that closes its pipes is given this long to end.
@@ -138,9 +140,9 @@ void Station::start() {
     killInTheEnd(process_->pid());
   }
   constexpr std::string_view kServing = "Child process waiting for data";
-  const Instant began = std::chrono::steady_clock::now();
+  const Instant began = Clock::now();
   bool serves = process_->waitForLog(kServing, kUsualWait);
-  if (!serves && std::chrono::steady_clock::now() - began >= kUsualWait) {
+  if (!serves && Clock::now() - began >= kUsualWait) {
     complain("hookctl: " + stillWaiting());
     serves = process_->waitForLog(kServing, kPatience);
   }
@@ -162,15 +164,34 @@ std::optional<int> Station::waitForEnd(handset::Millis timeout) {
   return status;
 }
 
-Answer Station::ask(ByteView request, const std::function<void()>& still_waiting) {
-  const Instant asked = std::chrono::steady_clock::now();
-  std::optional<Bytes> answer = process_->ask(request, kUsualWait);
-  if (!answer && std::chrono::steady_clock::now() - asked >= kUsualWait) {
-    still_waiting();
-    answer = process_->nextResponse(kPatience);
+bool Station::waitForAnswer(handset::Millis timeout, Happenings* messages) {
+  const Instant until = Clock::now() + timeout;
+  pollfd watched[] = {{process_->responsesFd(), POLLIN, 0},
+                      {messages != nullptr ? process_->unsolicitedFd() : -1, POLLIN, 0}};
+  while (watched[0].revents == 0) {
+    const auto left = std::chrono::ceil<handset::Millis>(until - Clock::now());
+    if (left <= handset::Millis::zero()) return false;
+    if (poll(watched, std::size(watched), static_cast<int>(left.count())) <= 0 || watched[1].revents == 0)
+      continue;
+    while (std::optional<Bytes> message = process_->nextUnsolicited(handset::Millis::zero()))
+      messages->push_back({Clock::now(), std::move(*message)});
+    if ((watched[1].revents & POLLHUP) != 0) watched[1].fd = -1;
+  }
+  return true;
+}
+
+Answer Station::ask(ByteView request, Happenings* messages) {
+  const Instant asked = Clock::now();
+  std::optional<Bytes> answer;
+  if (process_->send(request, kUsualWait)) {
+    if (!waitForAnswer(kUsualWait, messages)) {
+      complain("hookctl: " + stillWaiting());
+      waitForAnswer(kPatience, messages);
+    }
+    answer = process_->nextResponse(handset::Millis::zero());
   }
   if (!answer) throw trouble("no answer came");
-  return {std::move(*answer), asked, std::chrono::steady_clock::now()};
+  return {std::move(*answer), asked, Clock::now()};
 }
 
 void Station::needOwnModem(std::string_view instead) const {

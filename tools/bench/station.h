@@ -1,7 +1,6 @@
 // A bench: a handset folder, its simulated modem, and the process between the two.
 #pragma once
 
-#include <functional>
 #include <mutex>
 #include <optional>
 #include <stdexcept>
@@ -13,6 +12,7 @@
 #include "handset/folder.h"
 #include "handset/modem.h"
 #include "handset/parent.h"
+#include "tools/bench/happening.h"
 
 namespace tools {
 
@@ -59,10 +59,9 @@ class Station {
   std::optional<int> end();
   [[nodiscard]] bool started() const { return process_.has_value(); }
 
-  /// The answer to a request; `still_waiting` is told when it takes longer than kUsualWait. Throws
-  /// ProcessTrouble when none comes.
-  Answer ask(
-      handset::ByteView request, const std::function<void()>& still_waiting = [] {});
+  /// The answer to a request, with a word on standard error when it takes longer than kUsualWait; `messages`
+  /// takes those that come meanwhile. Throws ProcessTrouble when no answer comes.
+  Answer ask(handset::ByteView request, Happenings* messages = nullptr);
   /// "still waiting, after 2 s: ..." with what the process waits for, as far as that is known.
   std::string stillWaiting();
   /// Waits until the process has handled every indication that was sent before: one that it knows nothing of
@@ -75,13 +74,15 @@ class Station {
   handset::Parent& process();
   handset::Modem& modem() { return modem_; }
   handset::Folder& folder() { return folder_; }
-  /// Throws UsageError, with what to do instead, when it is.
+  /// Throws UsageError, with what to do instead, when the modem is another tool's.
   void needOwnModem(std::string_view instead) const;
 
  private:
   Station(const StationOptions& options, const std::unique_lock<std::recursive_mutex>& held);
 
   std::optional<int> waitForEnd(handset::Millis timeout);
+  /// Until an answer can be read, or never will; false when the time passed.
+  bool waitForAnswer(handset::Millis timeout, Happenings* messages);
 
   StationOptions options_;
   handset::Folder folder_;

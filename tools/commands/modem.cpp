@@ -65,16 +65,16 @@ void addModemCommand(CLI::App& tool, Common& common) {
   auto root = std::make_shared<std::string>();
   auto times = std::make_shared<bool>();
   addShared(*command, {.root = root.get(), .times = times.get()})->required();
-  command->footer(
-      "Lines of the input tell the modem what to do; '#' begins a comment:\n" + modemReference() +
-      "\nWhat it was told and what was written is kept in the folder, in modem.txt, until it is told "
-      "reset.\n\n"
-      "Example, with a shell for a parent, which asks for the BSR timer:\n"
-      "  hookctl modem --root /tmp/handset &\n"
-      "  printf '\\274\\0\\0\\2\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0' |\n"
-      "    HANDSET_ROOT=/tmp/handset qmi_kesext_hook 0 4 5 0 4>/tmp/answers 5>/tmp/messages\n"
-      "  od -An -v -w24 -tx1 /tmp/answers | hookctl decode\n"
-      "  kill $!");
+  command->footer("Lines of the input tell the modem what to do; '#' begins a comment:\n" + modemReference() +
+                  R"(
+What it was told and what was written is kept in the folder, in modem.txt, until it is told reset.
+
+Example, with a shell for a parent, which asks for the BSR timer:
+  hookctl modem --root /tmp/handset &
+  printf '\274\0\0\2\0\0\0\0\0\0\0\0\0\0\0\0\0\0' |
+    HANDSET_ROOT=/tmp/handset qmi_kesext_hook 0 4 5 0 4>/tmp/answers 5>/tmp/messages
+  od -An -v -w24 -tx1 /tmp/answers | hookctl decode
+  kill $!)");
   command->callback([&common, root, times] {
     // In the background of a terminal it is not to be stopped for reading, but to go on without its input.
     (void)std::signal(SIGTTIN, SIG_IGN);

@@ -75,7 +75,7 @@ void show(const Console& console, Outcome outcome, size_t number, const Step& st
 /// Plays a scenario and shows each step, or only gives the steps' results for scripts.
 Json play(const Scenario& scenario, const PlayOptions& options, const Common& common,
           const Console& console) {
-  Station station({.executable = common.executable, .root = options.root});
+  Station station({.executable = common.executable, .root = options.root, .instance_id = scenario.instance});
   station.modem().recordCrossings(options.trace);
   if (!options.json) console.section(scenario.title);
   Json results = Json::array();
@@ -91,7 +91,7 @@ Json play(const Scenario& scenario, const PlayOptions& options, const Common& co
     sortByTime(played.crossings);
     const size_t number = results.size() + 1;
     results.push_back(describe(outcome, number, step, played, options.times));
-    if (options.show) fmt::print("\n");
+    if (options.show && !options.json) fmt::print("\n");
     if (!options.json)
       show(console, outcome, number, step, played, options.show || outcome == Outcome::wrong);
     flushOutput();
@@ -157,17 +157,17 @@ void addPlayCommand(CLI::App& tool, Common& common) {
   command->add_flag("--json", options->json,
                     "for scripts: an array of the steps' results; of several files or a folder, an array of "
                     "{\"scenario\", \"file\",\n\"steps\"}");
-  command->footer(
-      scenarioFormat() +
-      "\nEach file has a fresh handset, unless --root names one for all. All files are checked before "
-      "anything "
-      "is started.\nThe status is 0 when all steps were as expected, 1 when one was not, 2 when a file is "
-      "wrong.\n\n"
-      "Example of a step:\n"
-      "  {\"title\": \"Read it back\", \"request\": \"nam read\",\n"
-      "   \"expect\": {\"status\": \"success\", \"fields\": {\"mdn\": \"5551234560\", "
-      "\"homeSid\": 4183}}}\n\n"
-      "Examples:\n  hookctl play scenarios/provisioning.json\n  hookctl play --show scenarios/tour");
+  command->footer(scenarioFormat() + R"(
+Each file has a fresh handset, unless --root names one for all. All files are checked before anything is started.
+The status is 0 when all steps were as expected, 1 when one was not, 2 when a file is wrong.
+
+Example of a step:
+  {"title": "Read it back", "request": "nam read",
+   "expect": {"status": "success", "fields": {"mdn": "5551234560", "homeSid": 4183}}}
+
+Examples:
+  hookctl play scenarios/provisioning.json
+  hookctl play --show scenarios/tour)");
   command->callback([&common, options] { common.status = playAll(*options, common); });
 }
 
@@ -175,9 +175,8 @@ void addTourCommand(CLI::App& tool, Common& common) {
   CLI::App* command = tool.add_subcommand(
       "tour", "Plays a tour of requests and indications, each held against what should come of it");
   command->footer(
-      "The tour is scenarios, played with each record shown, as by hookctl play --show. The lines behind "
-      "hook> can "
-      "be typed\nin hookctl shell. The status is 1 when something was not as expected.");
+      R"(The tour is scenarios, played with each record shown, as by hookctl play --show. The lines behind hook> can be typed
+in hookctl shell. The status is 1 when something was not as expected.)");
   command->callback([&common] { common.status = playAll({.paths = {tourFolder()}, .show = true}, common); });
 }
 

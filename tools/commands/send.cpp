@@ -135,7 +135,7 @@ bool Sending::run() {
     flushOutput();
   }
   const size_t log_mark = log_mark_;
-  const Answer answer = station_.ask(request_, [this] { complain("hookctl: " + station_.stillWaiting()); });
+  const Answer answer = station_.ask(request_, options_.messages ? &taken_ : nullptr);
   // What was logged before the answer is shown before it.
   if (options_.log) station_.process().catchUpWithLog();
   showNews();
@@ -144,9 +144,12 @@ bool Sending::run() {
   if (options_.log) station_.process().waitForLogSince(log_mark, "Child process waiting for data");
   showNews();
   if (options_.messages) waitForMessages(*options_.messages);
-  station_.end();
+  const bool ended_well = station_.end() == 0;
   if (options_.json) printAll(answer);
-  return answerStatus(decoded, answer.bytes) == kesext::HOOK_STATUS_SUCCESS;
+  if (!ended_well) throw station_.trouble("the answer came, but the process ended badly");
+  return decoded.status.value_or(decoded.problem
+                                     ? kesext::HOOK_STATUS_FAILURE
+                                     : kesext::HOOK_STATUS_SUCCESS) == kesext::HOOK_STATUS_SUCCESS;
 }
 
 void Sending::printAll(const Answer& answer) const {

@@ -28,7 +28,7 @@ int converse(Station& station, const Console& console, const ShellOptions& optio
   const bool at_terminal = isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1;
   Shell shell(station, console, at_terminal);
   if (options.trace) shell.trace(true);
-  if (!options.record.empty()) shell.record(options.record);
+  if (!options.record.empty()) shell.record(options.record, options.instance);
   InputLines piped(STDIN_FILENO, [&shell] { shell.news().waitForInput({}); });
   std::optional<LineEditor> typed;
   if (at_terminal) {
@@ -56,26 +56,25 @@ void addShellCommand(CLI::App& tool, Common& common) {
       ->add_option("--record", options->record,
                    "writes the session to a file, as a scenario that hookctl play plays")
       ->option_text("FILE");
-  command->footer(
-      Shell::reference() +
-      "\nUnsolicited messages are shown when they come, above the line that is being typed, and so is\n"
-      "the end of a process that dies.\n"
-      "\n"
-      "Without a terminal, lines are shown as if they had been typed, and '#' begins a comment. What is\n"
-      "wrong is reported on standard error with the line's number, and the status is then 1. What the\n"
-      "modem has indicated is waited for in the end.\n"
-      "\n"
-      "A recorded session is a scenario of what was asked and told; it expects the answers, the messages\n"
-      "and what the modem was asked. A comment is the title of the step behind it.\n"
-      "\n"
-      "Examples:\n"
-      "  hookctl shell\n"
-      "    hook> bsr-timer set 30\n"
-      "    hook> modem fail bsr-timer-read 90\n"
-      "    hook> modem indicate carrier-value 7\n"
-      "    hook> log since\n"
-      "  printf '%s\\n' 'modem indicate carrier-value 7' | hookctl shell\n"
-      "  hookctl shell --record FILE; hookctl play FILE");
+  command->footer(Shell::reference() + R"(
+Unsolicited messages are shown when they come, above the line that is being typed, and so is
+the end of a process that dies.
+
+Without a terminal, lines are shown as if they had been typed, and '#' begins a comment. What is
+wrong is reported on standard error with the line's number, and the status is then 1. What the
+modem has indicated is waited for before the process ends.
+
+A recorded session is a scenario of what was asked and told; it expects the answers, the messages
+and what the modem was asked. A comment is the title of the step behind it.
+
+Examples:
+  hookctl shell
+    hook> bsr-timer set 30
+    hook> modem fail bsr-timer-read 90
+    hook> modem indicate carrier-value 7
+    hook> log since
+  printf '%s\n' 'modem indicate carrier-value 7' | hookctl shell
+  hookctl shell --record FILE; hookctl play FILE)");
   command->callback([&common, options] {
     Station station({.executable = common.executable,
                      .root = options->root,

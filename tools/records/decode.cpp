@@ -166,16 +166,9 @@ DecodedRecord decodeAnswer(ByteView request, ByteView record) {
       isCdma(record) && !isErrorReply(record) ? decodeCdmaAnswer(record) : decodeGenericAnswer(record);
   if (!request.empty() && !beginsAs(request, record))
     decoded.problem = {0, "it answers another request; these four bytes should be the request's"};
+  if (!decoded.status)
+    decoded.status = isErrorReply(record) ? kesext::HOOK_STATUS_NOT_SUPPORTED : kesext::HOOK_STATUS_SUCCESS;
   return decoded;
-}
-
-uint32_t answerStatus(const DecodedRecord& answer, ByteView record) {
-  for (const DecodedField& field : answer.fields) {
-    if (field.name == "length" && field.value == "-1") return kesext::HOOK_STATUS_NOT_SUPPORTED;
-    if (field.name == "status")
-      return static_cast<uint32_t>(numberIn(record.subspan(field.offset, field.size)));
-  }
-  return kesext::HOOK_STATUS_SUCCESS;
 }
 
 DecodedRecord decodeUnsolicited(ByteView record) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,12 +30,15 @@ struct DecodedRecord {
   std::string title;                 // the record's name, with its id
   std::string name;                  // what it does; empty where the id is not known
   std::vector<DecodedField> fields;  // together the whole record
+  std::optional<uint32_t> status;    // of an answer, unless it has no header
   std::optional<RecordProblem> problem;
 };
 
 /// Each takes a whole record, as one write gave it, whatever its bytes are.
 DecodedRecord decodeRequest(handset::ByteView record);
 /// An answer is read by the request that it answers; without one, by its own id.
+/// Its status is the header's or, of a generic one, the payload's. A generic answer of length −1 says that
+/// nothing serves the request, one without a status that it was served.
 DecodedRecord decodeAnswer(handset::ByteView request, handset::ByteView record);
 DecodedRecord decodeUnsolicited(handset::ByteView record);
 
@@ -56,10 +60,6 @@ DecodedRecord decodeAs(RecordKind kind, handset::ByteView record, handset::ByteV
 
 /// Bytes that are these fields and have no header.
 DecodedRecord decodePlain(std::string_view title, Fields fields, handset::ByteView bytes);
-
-/// The status in an answer's header or, of a generic one, in its payload. A generic answer of length −1 says
-/// that nothing serves the request, one without a status that it was served.
-uint32_t answerStatus(const DecodedRecord& answer, handset::ByteView record);
 
 /// Whether this begins as CDMA requests and their answers do.
 bool isCdma(handset::ByteView record);

@@ -28,6 +28,7 @@ void FieldSplitter::takeUpTo(size_t end, std::string_view where, std::string_vie
     const auto other = std::find_if(bytes.begin(), bytes.end(), [](uint8_t byte) { return byte != 0; });
     if (other != bytes.end()) problem(at_ + static_cast<size_t>(other - bytes.begin()), "zeros belong here");
   }
+  if (kind == FieldKind::status) into_.status = static_cast<uint32_t>(numberIn(bytes));
   if (value.empty() || bytes.size() < size) value = valueOf(kind, bytes);
   into_.fields.push_back({at_, bytes.size(), std::string(name), std::move(value), kind});
   at_ += bytes.size();

@@ -58,9 +58,11 @@ Deed readStatus(const Json& value, Reading& reading) {
                         : static_cast<uint32_t>(numberOf(value, 0, std::numeric_limits<uint32_t>::max()));
   return [expected](Play& play) {
     constexpr FieldSpec kStatus{"status", sizeof(uint32_t), FieldKind::status};
-    const uint32_t status = answerStatus(play.answer().decoded, play.answer().bytes);
-    if (status != expected)
-      play.wrong.push_back(difference(kStatus, handset::le32(status), handset::le32(expected)));
+    const std::optional<uint32_t> status = play.answer().decoded.status;
+    if (!status)
+      play.wrong.emplace_back("the answer has no status");
+    else if (*status != expected)
+      play.wrong.push_back(difference(kStatus, handset::le32(*status), handset::le32(expected)));
   };
 }
 
@@ -99,7 +101,8 @@ RecordCheck readFields(std::string_view owner, Family family, Fields payload, co
   fields.push_back(family == Family::cdma ? kSpcField : kMessageType);
   std::vector<std::pair<FieldSpec, Bytes>> expected;
   for (const auto& [name, field_value] : value.items()) {
-    const FieldSpec& field = fieldOf(owner, fields, name);
+    FieldSpec field = fieldOf(owner, fields, name);
+    field.digits = {};  // what comes may be anything
     expected.emplace_back(field, encodeField(field, writtenValue(field, field_value)));
   }
   return [expected](const PlayedRecord& came) {

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <set>
 
 #include "tools/text/usage_error.h"
@@ -98,7 +99,8 @@ Step readStep(const Json& object, bool& running) {
     throw UsageError(
         fmt::format("a step does one thing, not {}; make several steps of it", fmt::join(actions, " and ")));
   const Json expect = object.value(kExpect, Json::object());
-  if (actions.empty() && expect.empty()) throw UsageError("the step does nothing and expects nothing");
+  if ((actions.empty() || object.at(actions[0]).empty()) && expect.empty())
+    throw UsageError("the step does nothing and expects nothing");
   if (object.contains(kTitle)) readingAt(kTitle, [&] { return textOf(object.at(kTitle)); });
   Reading reading{.running = running, .step = {.title = titleOf(object)}};
   readWords(object, actionWords(), reading);
@@ -112,13 +114,18 @@ Step readStep(const Json& object, bool& running) {
 
 Scenario readSteps(const std::string& path, const Json& object) {
   constexpr std::string_view kSteps = "steps";
-  constexpr std::string_view kKeys[] = {kTitle, "about", kSteps};
+  constexpr std::string_view kInstance = "instance";
+  constexpr std::string_view kKeys[] = {kTitle, "about", kSteps, kInstance};
   checkKeys(object, kKeys);
   if (!object.contains(kSteps) || !object.at(kSteps).is_array() || object.at(kSteps).empty())
     throw UsageError("a scenario has \"steps\": [{...}, ...]");
   for (const std::string_view key : {kKeys[0], kKeys[1]})
     if (object.contains(key)) readingAt(key, [&] { return textOf(object.at(key)); });
   Scenario scenario{.file = path, .title = object.value(kTitle, path)};
+  if (object.contains(kInstance))
+    scenario.instance = readingAt(kInstance, [&] {
+      return static_cast<int>(numberOf(object.at(kInstance), 0, std::numeric_limits<int>::max()));
+    });
   bool running = false;
   for (const Json& step : object.at(kSteps)) {
     const std::string title = titleOf(step);
@@ -140,15 +147,15 @@ std::string scenarioFormat() {
       lines += fmt::format("{0}\"{1}\": {2}\n{0}    {3}\n", indent, word.name, word.takes, word.help);
     return lines;
   };
-  return "A scenario is {\"title\": T, \"about\": T, \"steps\": [STEP, ...]}. A STEP is an object with\n"
-         "  \"title\": T\n"
-         "    optional, for the reader\n"
-         "and one of these, which it does; where there can be several of what follows, [..., ...] holds "
-         "them:\n" +
-         describe(actionWords(), "  ") +
-         "  \"expect\": {...}\n"
-         "    what has to be so then; alone, it is a step as well:\n" +
-         describe(expectationWords(), "    ");
+  return R"(A scenario is {"title": T, "about": T, "instance": N, "steps": [STEP, ...]}; N is the process's instance id, 0
+when not given. A STEP is an object with
+  "title": T
+    optional, for the reader
+and one of these, which it does; where there can be several of what follows, [..., ...] holds them:
+)" + describe(actionWords(), "  ") +
+         R"(  "expect": {...}
+    what has to be so then; alone, it is a step as well:
+)" + describe(expectationWords(), "    ");
 }
 
 std::vector<std::string> scenarioFiles(const std::vector<std::string>& paths) {

@@ -69,6 +69,7 @@ struct StepWord {
 struct Scenario {
   std::string file;
   std::string title;  // the file's name when it has none
+  int instance = 0;   // of the process
   std::vector<Step> steps;
 };
 

@@ -30,19 +30,20 @@ bool never() {
   return false;
 }
 
-/// Takes out what settling itself led to, which nobody asked for: it comes last of all indications.
+}  // namespace
+
 void dropSettling(Happenings& happenings) {
   bool settling = false;
   std::erase_if(happenings, [&settling](const Happening& happening) {
     if (const auto* crossing = std::get_if<handset::Crossing>(&happening.what))
       return crossing->indication && crossing->id == kUnknownIndication;
     const auto* line = std::get_if<std::string>(&happening.what);
-    if (line != nullptr && line->find(": msg_id=0xffff ") != std::string::npos) settling = true;
-    return settling && line != nullptr;
+    if (line == nullptr) return false;
+    const bool of_it = settling || line->find(": msg_id=0xffff ") != std::string::npos;
+    settling = of_it && !line->ends_with("Unsupported Indicator message 65535");
+    return of_it;
   });
 }
-
-}  // namespace
 
 void ProcessNews::begin() {
   serving_ = true;

@@ -21,6 +21,9 @@ struct Interlude {
   std::function<void()> after = [] {};
 };
 
+/// Takes out what settling led to, which nobody asked for.
+void dropSettling(Happenings& happenings);
+
 /// How a wait went: what was waited for is there; the time passed; Ctrl-C.
 enum class Waited { done, late, interrupted };
 

@@ -7,7 +7,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
+#include <system_error>
 #include <utility>
 
 #include "tools/bench/interruption.h"
@@ -48,7 +50,8 @@ std::string layOut(const Json& value, size_t depth) {
 }
 
 /// The value as a person would write it; nothing for one that cannot be written so.
-std::optional<Json> writtenField(const FieldSpec& shape, ByteView bytes) {
+std::optional<Json> writtenField(FieldSpec shape, ByteView bytes) {
+  shape.digits = {};  // what comes may be anything
   // Of the rest of a record, zeros count as well.
   const bool open = shape.kind == FieldKind::bytes && shape.size == kRest;
   const std::string typed = open ? writeBytes(bytes) : typedValue(shape.kind, bytes);
@@ -109,6 +112,22 @@ Json writtenQuestions(const std::vector<handset::Received>& asked) {
 
 }  // namespace
 
+Recording::Recording(std::string path, int instance) : path_(std::move(path)), instance_(instance) {
+  std::error_code ignored;
+  const std::filesystem::file_status there = std::filesystem::status(path_, ignored);
+  // Writing puts another file in its place, which must not happen to a device.
+  if (std::filesystem::exists(there) && !std::filesystem::is_regular_file(there))
+    throw UsageError(fmt::format("the session cannot be recorded in {}, which is no file", path_));
+}
+
+void Recording::needText(std::string_view line) {
+  try {
+    (void)Json(line).dump();
+  } catch (const Json::type_error&) {
+    throw UsageError("a line that is recorded has to be UTF-8; other bytes are given as digits");
+  }
+}
+
 void Recording::addProcess(std::string_view what, std::optional<int> exit,
                            const std::vector<handset::Received>& asked) {
   Json expect;
@@ -148,10 +167,9 @@ void Recording::addRequest(std::string_view words, ByteView request, const std::
   const DecodedRecord decoded = decodeAnswer(request, *answer);
   const RequestRow* row = findRequest(request);
   Json expect;
-  if (row == nullptr || !row->bare_answer) {
-    const uint32_t status = answerStatus(decoded, *answer);
-    const std::string_view name = statusName(status);
-    expect["status"] = name == "unknown" ? Json(status) : Json(name);
+  if (decoded.status) {
+    const std::string_view name = statusName(*decoded.status);
+    expect["status"] = name == "unknown" ? Json(*decoded.status) : Json(name);
   }
   expectRecord(expect, row != nullptr ? row->answer : Fields{}, decoded, *answer);
   expect["asked"] = writtenQuestions(asked);
@@ -171,10 +189,15 @@ void Recording::write() const {
   const auto held = holdOffInterruption();
   const std::string part = path_ + ".part";
   std::ofstream file(part);
-  file << layOut({{"title", "A session in the shell"}, {"steps", steps_}}, 0) << '\n';
+  Json scenario{{"title", "A session in the shell"}};
+  if (instance_ != 0) scenario["instance"] = instance_;
+  scenario["steps"] = steps_;
+  file << layOut(scenario, 0) << '\n';
   file.close();
-  if (!file || std::rename(part.c_str(), path_.c_str()) != 0)
-    throw UsageError(fmt::format("the session cannot be recorded in {}: {}", path_, std::strerror(errno)));
+  if (file && std::rename(part.c_str(), path_.c_str()) == 0) return;
+  const std::string why = std::strerror(errno);
+  std::remove(part.c_str());
+  throw UsageError(fmt::format("the session cannot be recorded in {}: {}", path_, why));
 }
 
 }  // namespace tools

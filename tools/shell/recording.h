@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "handset/bytes.h"
@@ -16,7 +15,10 @@ namespace tools {
 /// The file is whole after each step. Whatever adds one throws UsageError when it cannot be written.
 class Recording {
  public:
-  explicit Recording(std::string path) : path_(std::move(path)) {}
+  /// `instance` is the process's.
+  Recording(std::string path, int instance);
+  /// Throws UsageError when a line could not stand in a scenario.
+  static void needText(std::string_view line);
 
   /// What the next step is called.
   void entitle(std::string_view title) { title_ = title; }
@@ -37,6 +39,7 @@ class Recording {
   void write() const;
 
   std::string path_;
+  int instance_;
   std::string title_;
   nlohmann::ordered_json steps_ = nlohmann::ordered_json::array();
 };

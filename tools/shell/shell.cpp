@@ -84,8 +84,8 @@ Shell::Shell(Station& station, const Console& console, bool at_terminal)
     line_number_ = 0;
 }
 
-void Shell::record(const std::string& path) {
-  recording_.emplace(path).addProcess("start", {}, station_.modem().takeRequests());
+void Shell::record(const std::string& path, int instance) {
+  recording_.emplace(path, instance).addProcess("start", {}, station_.modem().takeRequests());
 }
 
 bool Shell::run(const std::string& line) {
@@ -97,6 +97,7 @@ bool Shell::run(const std::string& line) {
     const std::vector<std::string> words = splitWords(line);
     if (words.empty() && recording_ && !line.empty())
       recording_->entitle(line.substr(std::min(line.find_first_not_of("# \t"), line.size())));
+    if (recording_) Recording::needText(line);
     if (!words.empty()) execute(words);
   } catch (const std::system_error& error) {
     if (error.code() == std::errc::broken_pipe) throw;
@@ -215,11 +216,13 @@ void Shell::showLogs(Words words) {
   if (which == "on" || which == "off") return news_.showLogs(which == "on");
   if (which != "since") throw UsageError("log takes on, off or since");
   station_.process().catchUpWithLog();
-  const std::vector<handset::StampedLine> lines = station_.process().stampedLogsSince(log_seen_);
+  Happenings lines;
+  append(lines, station_.process().stampedLogsSince(log_seen_));
   log_seen_ += lines.size();
+  if (recording_) dropSettling(lines);
   if (lines.empty()) console_.note("(nothing)");
-  for (const handset::StampedLine& line : lines)
-    console_.note(line.text, line.time);
+  for (const Happening& line : lines)
+    tools::show(console_, line);
 }
 
 void Shell::trace(bool on) {
@@ -282,6 +285,8 @@ void Shell::help(Words words) {
 }
 
 std::optional<int> Shell::endProcess() {
+  // A transcript has what a person would have waited for.
+  if (line_number_) news_.settle();
   const std::optional<int> status = station_.end();
   news_.finish();
   return status;
@@ -313,8 +318,6 @@ void Shell::quit(Words /*words*/) {
 
 void Shell::end() {
   if (!news_.serving()) return;
-  // A transcript has what a person would have waited for.
-  if (line_number_) news_.settle();
   const std::optional<int> status = endProcess();
   if (status == 0) return;
   if (recording_ && status) recording_->addProcess("end", status, {});

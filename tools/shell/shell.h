@@ -32,7 +32,7 @@ class Shell {
   /// Shows what crosses the modem link from here on, or not. Throws UsageError when the modem is another's.
   void trace(bool on);
   /// Writes the session to a file, as a scenario. Throws UsageError when it cannot be written.
-  void record(const std::string& path);
+  void record(const std::string& path, int instance);
   /// The commands beside the requests.
   static std::vector<Syntax> syntax();
   /// What can be typed, for a person.
