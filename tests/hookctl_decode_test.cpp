@@ -73,7 +73,7 @@ TEST_F(Decode, WhatSendShowsIsReadBackToTheSameFields) {
   for (const char* indication :
        {"test", "pfp 1 2", "utility 0 0B01", "utility 2 0102", "utility 3 0102", "carrier-value 7",
         "lte-error 1 2 3", "coverage 0102", "tuner 810102", "data-plmn"}) {
-    tools::commandModem(station.modem(), tools::splitWords("indicate " + std::string(indication)));
+    tools::modemOrder(tools::splitWords("indicate " + std::string(indication)))(station.modem());
     const Bytes message = station.process().nextUnsolicited().value_or(Bytes{});
     shown[RecordKind::unsolicited].push_back(show(tools::decodeUnsolicited(message), message));
   }

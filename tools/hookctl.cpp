@@ -72,30 +72,24 @@ void keepStandardDescriptors() {
   if (descriptor >= 0) close(descriptor);
 }
 
-/// Whether the reader of the output has gone, of which there is nobody to tell.
-bool isClosedOutput(const std::system_error& error) {
-  return error.code() == std::errc::broken_pipe;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   keepStandardDescriptors();
-  int status = kStatusWrong;
   try {
     watchForInterruption();
     (void)std::signal(SIGPIPE, SIG_IGN);
-    status = run(argc, argv);
+    const int status = run(argc, argv);
     flushOutput();
+    return status;
   } catch (const UsageError& error) {
-    status = kStatusUsage;
     complain(std::string("hookctl: ") + error.what());
+    return kStatusUsage;
   } catch (const std::system_error& error) {
-    status = kStatusWrong;
-    if (!isClosedOutput(error)) complain(std::string("hookctl: ") + error.what());
+    // Of a reader of the output that has gone, there is nobody to tell.
+    if (error.code() != std::errc::broken_pipe) complain(std::string("hookctl: ") + error.what());
   } catch (const std::exception& error) {
-    status = kStatusWrong;
     complain(std::string("hookctl: ") + error.what());
   }
-  return status;
+  return kStatusWrong;
 }

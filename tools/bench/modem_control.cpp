@@ -163,14 +163,6 @@ void checkCount(const ModemCommandRow& row, Words arguments) {
     throw UsageError(fmt::format("that takes: {} {}", row.name, row.arguments));
 }
 
-template <typename Rows>
-std::vector<std::string_view> namesOf(const Rows& rows) {
-  std::vector<std::string_view> names;
-  for (const auto& row : rows)
-    if (std::find(names.begin(), names.end(), row.name) == names.end()) names.push_back(row.name);
-  return names;
-}
-
 constexpr PackageRow kPackages[] = {
     {"log", handset::kLogHeader, "a whole package of log, in as many packets as it takes"},
     {"kpi", handset::kKpiHeaders[0], "a package of performance indicators"},
@@ -210,10 +202,6 @@ std::span<const PackageRow> packageTable() {
 
 std::span<const ModemCommandRow> modemCommandTable() {
   return kCommands;
-}
-
-void commandModem(Modem& modem, Words words) {
-  modemOrder(words)(modem);
 }
 
 ModemOrder modemOrder(Words words) {

@@ -38,9 +38,6 @@ std::span<const ModemCommandRow> modemCommandTable();
 /// with '#'. Throws UsageError.
 ModemOrder modemOrder(Words words);
 
-/// The same, done at once.
-void commandModem(handset::Modem& modem, Words words);
-
 /// Lets the modem send what the words say: NAME [ARGUMENT ...], "log PACKAGE BYTES" or "kpi PACKAGE BYTES"
 /// for a whole package of log or performance indicators in as many indications as it takes, or an id and its
 /// bytes. Throws UsageError.

@@ -105,7 +105,7 @@ void recallLine(const std::string& line, Modem& modem) {
   for (const std::string_view deed : {"indicate", "start", "stop"})
     if (!words.empty() && words.front() == deed)
       throw UsageError(fmt::format("{} is nothing that a modem is kept by", deed));
-  commandModem(modem, words);
+  modemOrder(words)(modem);
 }
 
 void recall(const handset::Folder& folder, Modem& modem) {

@@ -30,7 +30,7 @@ Json typedValue(const DecodedField& field, handset::ByteView bytes) {
 
 }  // namespace
 
-Json toJson(const DecodedRecord& decoded, handset::ByteView bytes) {
+Json toJson(const DecodedRecord& decoded, handset::ByteView bytes, const Moment& moment, bool times) {
   Json record{{"title", decoded.title}};
   Json fields = Json::array();
   for (const DecodedField& field : decoded.fields) {
@@ -57,6 +57,7 @@ Json toJson(const DecodedRecord& decoded, handset::ByteView bytes) {
     record["problem"] = decoded.problem->text;
     record["problem_offset"] = decoded.problem->offset;
   }
+  addMoment(record, moment, times);
   return record;
 }
 
@@ -94,13 +95,8 @@ void addHappening(nlohmann::ordered_json& all, const Happening& happening, bool 
     add("messages", toJson(decodeUnsolicited(*message), *message));
 }
 
-void printJson(const nlohmann::ordered_json& value) {
-  constexpr int kIndent = 2;
-  fmt::print("{}\n", value.dump(kIndent, ' ', false, nlohmann::json::error_handler_t::replace));
-}
-
-void printJsonLine(const nlohmann::ordered_json& value) {
-  fmt::print("{}\n", value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+void printJson(const nlohmann::ordered_json& value, bool one_line) {
+  fmt::print("{}\n", value.dump(one_line ? -1 : 2, ' ', false, nlohmann::json::error_handler_t::replace));
 }
 
 }  // namespace tools

@@ -14,8 +14,9 @@ namespace tools {
 /// {"title", "id", "name", "status", "status_name", "hex", "fields": [{"name", "value", "text", "offset",
 /// "size", "hex"}, ...]}, as far as the record has them; "problem" and "problem_offset" as well where it does
 /// not parse. A value is a number, a text, a list of numbers, or bytes as hexadecimal digits; "text" is what
-/// people are shown.
-nlohmann::ordered_json toJson(const DecodedRecord& decoded, handset::ByteView bytes);
+/// people are shown. In the end what addMoment adds.
+nlohmann::ordered_json toJson(const DecodedRecord& decoded, handset::ByteView bytes,
+                              const Moment& moment = {}, bool times = false);
 
 /// {"message" or "indication", "service", "id", "request" or "body", "outcome", "code", "response",
 /// "took_ms"}.
@@ -28,10 +29,7 @@ void addMoment(nlohmann::ordered_json& record, const Moment& moment, bool times)
 /// exchange or an indication to "trace".
 void addHappening(nlohmann::ordered_json& all, const Happening& happening, bool times);
 
-/// Prints a value as text of two blanks' depth, with whatever is not UTF-8 replaced.
-void printJson(const nlohmann::ordered_json& value);
-
-/// Prints a value on one line, for a value of many.
-void printJsonLine(const nlohmann::ordered_json& value);
+/// Prints a value, in one line when it is one of many, with whatever is not UTF-8 replaced.
+void printJson(const nlohmann::ordered_json& value, bool one_line = false);
 
 }  // namespace tools

@@ -33,14 +33,13 @@ CLI::App& findCommand(const CLI::App& tool, const std::string& name) {
                                didYouMean(name, names)));
 }
 
-CLI::Option* addShared(CLI::App& command, const SharedOptions& options) {
-  CLI::Option* root = nullptr;
+void addShared(CLI::App& command, const SharedOptions& options) {
   if (options.root != nullptr)
-    root = command
-               .add_option("--root", *options.root,
-                           "a handset folder, made when missing and kept; a fresh one when not given")
-               ->envname("HOOKCTL_ROOT")
-               ->option_text("FOLDER");
+    command
+        .add_option("--root", *options.root,
+                    "a handset folder, made when missing and kept; a fresh one when not given")
+        ->envname("HOOKCTL_ROOT")
+        ->option_text("FOLDER");
   if (options.instance != nullptr)
     command.add_option("--instance", *options.instance, "the process's instance id")->option_text("N");
   if (options.trace != nullptr)
@@ -49,7 +48,6 @@ CLI::Option* addShared(CLI::App& command, const SharedOptions& options) {
   if (options.times != nullptr)
     command.add_flag("--times", *options.times,
                      "what is shown begins with its time: seconds since the start");
-  return root;
 }
 
 void addHelpCommand(CLI::App& tool, Common& /*common*/) {

@@ -34,8 +34,7 @@ struct SharedOptions {
   bool* times = nullptr;
 };
 
-/// Adds these; gives --root back, for whom it is needed.
-CLI::Option* addShared(CLI::App& command, const SharedOptions& options);
+void addShared(CLI::App& command, const SharedOptions& options);
 
 void addTourCommand(CLI::App& tool, Common& common);
 void addPlayCommand(CLI::App& tool, Common& common);

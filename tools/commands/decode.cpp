@@ -135,7 +135,7 @@ class Decoder {
     if (reading.other) object["may_be"] = nameOf(*reading.other);
     if (line != 0) object["line"] = line;
     object.update(toJson(reading.decoded, reading.bytes));
-    printJsonLine(object);
+    printJson(object, true);
   }
 
   const DecodeOptions& options_;

@@ -235,7 +235,7 @@ void explain(const ExplainOptions& options, const Common& common) {
   LogStory story([&](const LogEvent& event) {
     if (!isWanted(options.only, event)) return;
     if (options.json)
-      printJsonLine(toJson(event));
+      printJson(toJson(event), true);
     else
       narrator.tell(event);
   });
@@ -250,7 +250,7 @@ void explain(const ExplainOptions& options, const Common& common) {
         " before its text, as logcat -v threadtime has it; hookctl explain --help tells what is read",
         summary.lines));
   if (options.json)
-    printJsonLine(toJson(summary));
+    printJson(toJson(summary), true);
   else
     narrator.sum(summary);
 }

@@ -35,7 +35,7 @@ void obey(handset::Modem& modem, const std::string& line) {
   try {
     const std::vector<std::string> words = splitWords(line);
     if (words.empty() || words.front().starts_with('#')) return;
-    commandModem(modem, words);
+    modemOrder(words)(modem);
     fmt::print("    told     {}\n", line);
   } catch (const UsageError& error) {
     complain(error.what());
@@ -64,7 +64,8 @@ void addModemCommand(CLI::App& tool, Common& common) {
       "modem", "Runs only the simulated modem, for a parent of your own, and shows what it is asked");
   auto root = std::make_shared<std::string>();
   auto times = std::make_shared<bool>();
-  addShared(*command, {.root = root.get(), .times = times.get()})->required();
+  addShared(*command, {.root = root.get(), .times = times.get()});
+  command->get_option("--root")->required();
   command->footer("Lines of the input tell the modem what to do; '#' begins a comment:\n" + modemReference() +
                   R"(
 What it was told and what was written is kept in the folder, in modem.txt, until it is told reset.

@@ -47,8 +47,7 @@ Json describe(Outcome outcome, size_t number, const Step& step, const Play& play
   Json result{
       {"step", number}, {"title", step.title}, {"result", outcomeName(outcome)}, {"wrong", play.wrong}};
   for (const PlayedRecord& record : play.records) {
-    Json json = toJson(record.decoded, record.bytes);
-    addMoment(json, record.moment, times);
+    const Json json = toJson(record.decoded, record.bytes, record.moment, times);
     if (record.direction == "message")
       result["messages"].push_back(json);
     else

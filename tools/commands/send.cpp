@@ -95,7 +95,7 @@ void Sending::prepare() {
     station_.modem().recordCrossings(true);
   }
   for (const std::string& line : options_.modem_lines)
-    commandModem(station_.modem(), splitWords(line));
+    modemOrder(splitWords(line))(station_.modem());
   log_mark_ = station_.process().logMark();
 }
 
@@ -117,15 +117,13 @@ void Sending::showNews() {
 void Sending::waitForMessages(double seconds) {
   const handset::Instant until =
       Clock::now() + std::chrono::round<Clock::duration>(std::chrono::duration<double>(seconds));
-  while (true) {
+  std::optional<handset::Bytes> message;
+  do {
     const auto left = std::chrono::ceil<handset::Millis>(until - Clock::now());
-    std::optional<handset::Bytes> message =
-        station_.process().nextUnsolicited(std::max(left, handset::Millis(0)));
-    if (!message) break;
-    taken_.push_back({Clock::now(), std::move(*message)});
+    message = station_.process().nextUnsolicited(std::max(left, handset::Millis(0)));
+    if (message) taken_.push_back({Clock::now(), *message});
     showNews();
-  }
-  showNews();
+  } while (message);
 }
 
 bool Sending::run() {
@@ -154,18 +152,15 @@ bool Sending::run() {
 
 void Sending::printAll(const Answer& answer) const {
   using Json = nlohmann::ordered_json;
-  const auto timed = [this](Json json, const Moment& moment) {
-    addMoment(json, moment, options_.times);
-    return json;
-  };
-  Json all{{"request", timed(toJson(decodeRequest(request_), request_), {.time = answer.asked})},
+  const bool times = options_.times;
+  Json all{{"request", toJson(decodeRequest(request_), request_, {.time = answer.asked}, times)},
            {"answer",
-            timed(toJson(decodeAnswer(request_, answer.bytes), answer.bytes), {answer.came, answer.asked})}};
+            toJson(decodeAnswer(request_, answer.bytes), answer.bytes, {answer.came, answer.asked}, times)}};
   if (options_.log) all["log"] = Json::array();
   if (options_.trace) all["trace"] = Json::array();
   if (options_.messages) all["messages"] = Json::array();
   for (const Happening& happening : taken_)
-    addHappening(all, happening, options_.times);
+    addHappening(all, happening, times);
   printJson(all);
 }
 

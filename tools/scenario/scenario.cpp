@@ -12,6 +12,7 @@
 #include <set>
 
 #include "tools/text/usage_error.h"
+#include "tools/text/words.h"
 
 namespace tools {
 
@@ -55,13 +56,6 @@ Json parse(const std::string& text) {
                                    parsed.dump()));
     return true;
   });
-}
-
-std::vector<std::string_view> namesOf(std::span<const StepWord> words) {
-  std::vector<std::string_view> names;
-  for (const StepWord& word : words)
-    names.push_back(word.name);
-  return names;
 }
 
 /// Lets the rows read the members that are theirs, in the table's order.

@@ -194,7 +194,7 @@ void Shell::askRequest(Words words) {
 void Shell::tellModem(Words words) {
   station_.needOwnModem("tell it there");
   station_.modem().takeRequests();
-  commandModem(station_.modem(), words.subspan(1));
+  modemOrder(words.subspan(1))(station_.modem());
   if (!records()) return;
   if (words[1] != "indicate") return recording_->addModem(lineOf(words.subspan(1)));
   const std::vector<Bytes> messages = news_.settle();

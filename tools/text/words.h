@@ -1,6 +1,7 @@
 // The words of a command line, and the nearest ones to a word that was not found.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <span>
@@ -18,6 +19,15 @@ std::vector<std::string> splitWords(std::string_view line);
 
 /// Up to three of the candidates that are most like `word`, the nearest first; none that is unlike it.
 std::vector<std::string_view> nearest(std::string_view word, std::span<const std::string_view> candidates);
+
+/// The names of a table's rows, each once.
+template <typename Rows>
+std::vector<std::string_view> namesOf(const Rows& rows) {
+  std::vector<std::string_view> names;
+  for (const auto& row : rows)
+    if (std::find(names.begin(), names.end(), row.name) == names.end()) names.push_back(row.name);
+  return names;
+}
 
 /// "; did you mean a, b or c?", or nothing when nothing is near.
 std::string didYouMean(std::string_view word, std::span<const std::string_view> candidates);
