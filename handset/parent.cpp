@@ -198,11 +198,6 @@ std::optional<Bytes> Parent::nextResponse(Millis timeout) {
   return readOnce(responses_.get(), Clock::now() + timeout);
 }
 
-std::optional<Bytes> Parent::ask(ByteView request, Millis timeout) {
-  if (!send(request, timeout)) return std::nullopt;
-  return nextResponse(timeout);
-}
-
 std::optional<Bytes> Parent::nextUnsolicited(Millis timeout) {
   const auto deadline = Clock::now() + timeout;
   for (;;) {

@@ -48,8 +48,6 @@ class Parent {
   bool send(ByteView request, Millis timeout = kTimeout);
   /// The next answer; nothing when the time passed or the pipe ended.
   std::optional<Bytes> nextResponse(Millis timeout = kTimeout);
-  /// Sends a request and takes its answer.
-  std::optional<Bytes> ask(ByteView request, Millis timeout = kTimeout);
   /// The next unsolicited message; nothing when the time passed or the pipe ended. Throws
   /// std::runtime_error when its length makes no sense.
   std::optional<Bytes> nextUnsolicited(Millis timeout = kTimeout);

@@ -78,7 +78,8 @@ void HookProcessTest::Start(int instance_id) {
 
 Bytes HookProcessTest::Ask(const Bytes& request) {
   asked_at_ = parent_->logMark();
-  Bytes answer = parent_->ask(request).value_or(Bytes{});
+  EXPECT_TRUE(parent_->send(request));
+  Bytes answer = parent_->nextResponse().value_or(Bytes{});
   EXPECT_TRUE(parent_->waitForLogSince(asked_at_, kWaiting));
   return answer;
 }

@@ -68,9 +68,7 @@ std::string bytesText(ByteView bytes, std::optional<size_t> count) {
 /// The value in words; empty for one that says nothing.
 std::string traceValue(const FieldSpec& field, ByteView bytes, std::optional<size_t> count) {
   if (field.kind == FieldKind::bytes || field.kind == FieldKind::zeros) return bytesText(bytes, count);
-  const bool number = field.kind == FieldKind::number || field.kind == FieldKind::signedNumber ||
-                      field.kind == FieldKind::hexNumber || field.kind == FieldKind::element;
-  if (!number && handset::isZero(bytes)) return "";
+  if (!isNumber(field.kind) && handset::isZero(bytes)) return "";
   std::string value = valueOf(field.kind, bytes);
   if (value.size() <= kCharactersShown) return value;
   return fmt::format("{}... ({} bytes)", value.substr(0, kCharactersShown), bytes.size());
