@@ -46,7 +46,8 @@ struct Stage {
     };
     waits(0);
     const size_t mark = process.logMark();
-    const size_t answer = process.ask(request).value().size();
+    process.send(request);
+    const size_t answer = process.nextResponse().value().size();
     waits(mark);
     std::string lengths;
     for (const std::string& line : process.logsSince(mark))

@@ -69,7 +69,8 @@ class FloorSide {
             folder, {KESEXT_LOG_FLOOR, "3", "4", std::to_string(load.packages), packetSizes(load)})) {}
 
   void turn() {
-    if (!process_.ask(Bytes(1, 0))) throw std::runtime_error("the floor gave up");
+    if (!process_.send(Bytes(1, 0)) || !process_.nextResponse())
+      throw std::runtime_error("the floor gave up");
   }
 
   handset::Folder folder;

@@ -12,7 +12,7 @@
 namespace kesext_test {
 
 inline std::string SampleArgument(const tools::FieldSpec& field) {
-  const std::string digits(field.digits.most, '1');
+  std::string digits(field.digits.most, '1');
   if (!digits.empty()) return digits;
   switch (field.kind) {
     case tools::FieldKind::bytes:

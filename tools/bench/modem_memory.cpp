@@ -34,7 +34,7 @@ constexpr const char* kMemoryPath = "/modem.txt";
 constexpr uintmax_t kMemoryMax = uintmax_t{4} * 1024 * 1024;  // bytes
 constexpr size_t kLineMax = size_t{64} * 1024;
 /// Of lines that are wrong.
-constexpr size_t kShown = 5;
+constexpr size_t kComplaintsMax = 5;
 constexpr const char* kHeading =
     "# What the modem was told and what was written, as `hookctl modem` is told it.";
 
@@ -125,14 +125,15 @@ void recall(const handset::Folder& folder, Modem& modem) {
     try {
       recallLine(line, modem);
     } catch (const UsageError& error) {
-      if (++wrong <= kShown)
+      if (++wrong <= kComplaintsMax)
         complain(
             fmt::format("hookctl: {}:{}: {:.300}; the modem goes without that line: mend the file, or tell "
                         "the modem reset",
                         path, number, error.what()));
     }
   }
-  if (wrong > kShown) complain(fmt::format("hookctl: {}: {} more such lines", path, wrong - kShown));
+  if (wrong > kComplaintsMax)
+    complain(fmt::format("hookctl: {}: {} more such lines", path, wrong - kComplaintsMax));
 }
 
 /// Writes the file whenever there is something else to be written than the last time.
