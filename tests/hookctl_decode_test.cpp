@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "support/golden.h"
 #include "support/sample_records.h"
 #include "support/tool_test.h"
 #include "tools/bench/modem_control.h"
@@ -145,106 +146,16 @@ TEST_F(Decode, EveryDumpInTheProcessesLogIsAnnounced) {
 
 /// Of an unsolicited carrier value and, with rows that repeat themselves, of a request.
 TEST_F(Decode, RecordsAreReadAsToolsPrintThem) {
-  const std::string value = "0000000014000000B001000204000000000000000000000000000700000000 00";
-  const std::string utility = "1E0000020801000000000000" + std::string(540, '0');
-  const auto plain = [](std::string digits) {
-    std::erase(digits, ' ');
-    return digits;
-  };
-  struct Case {
-    const char* text;
-    const std::string& record;
-  };
-  const Case cases[] = {
-      // hexdump -C, whose characters are digits in part
-      {"00000000  00 00 00 00 14 00 00 00  b0 01 00 02 04 00 00 00  |....ab cd ef 12.|\n"
-       "00000010  00 00 00 00 00 00 00 00  00 00 07 00 00 00 00 00  |................|\n00000020\n",
-       value},
-      // xxd, xxd -g1 -c12, xxd -p and od -An -t x1
-      {"00000000: 0000 0000 1400 0000 b001 0002 0400 0000  ab cd ..........\n"
-       "00000010: 0000 0000 0000 0000 0000 0700 0000 0000  ................\n",
-       value},
-      {"00000000: 00 00 00 00 14 00 00 00 b0 01 00 02  00 00 ..#. |..\n"
-       "0000000c: 04 00 00 00 00 00 00 00 00 00 00 00  ............\n"
-       "00000018: 00 00 07 00 00 00 00 00              ........\n",
-       value},
-      {"0000000014000000b0010002040000000000000000000000000007000000\n0000\n", value},
-      {" 00 00 00 00 14 00 00 00 b0 01 00 02 04 00 00 00\n 00 00 00 00 00 00 00 00 00 00 07 00 00 00 00 00\n",
-       value},
-      // od -A x -t x1, od -t x1, od -A d -t x1z, od -x
-      {"000000 00 00 00 00 14 00 00 00 b0 01 00 02 04 00 00 00\n"
-       "000010 00 00 00 00 00 00 00 00 00 00 07 00 00 00 00 00\n000020\n",
-       value},
-      {"0000000 00 00 00 00 14 00 00 00 b0 01 00 02 04 00 00 00\n"
-       "0000020 00 00 00 00 00 00 00 00 00 00 07 00 00 00 00 00\n0000040\n",
-       value},
-      {"0000000 00 00 00 00 14 00 00 00 b0 01 00 02 04 00 00 00  >....a b.........<\n"
-       "0000016 00 00 00 00 00 00 00 00 00 00 07 00 00 00 00 00  >................<\n0000032\n",
-       value},
-      {"0000000 0000 0000 0014 0000 01b0 0200 0004 0000\n0000020 0000 0000 0000 0000 0000 0007 0000 0000\n",
-       value},
-      // other tools' columns, source text and digits in a row
-      {"0000   00 00 00 00 14 00 00 00 b0 01 00 02 04 00 00 00   ....ab..........\n"
-       "0010   00 00 00 00 00 00 00 00 00 00 07 00 00 00 00 00   ................\n",
-       value},
-      {"0x00, 0x00, 0x00, 0x00, 0x14, 0x00, 0x00, 0x00, 0xB0, 0x01, 0x00, 0x02,  # a value\n"
-       "  0x04, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,\n"
-       "  0x00,0x00,0x07,0x00,0x00,0x00,0x00,0x00\n",
-       value},
-      {"00:00:00:00:14:00:00:00:b0:01:00:02:04:00:00:00:00:00:00:00:00:00:00:00:00:00:07:00:00:00:00:00\n",
-       value},
-      {"0000  00 00 00 00 14 00 00 00  b0 01 00 02 04 00 00 00   ........ ..ab cd.\n"
-       "0010  00 00 00 00 00 00 00 00  00 00 07 00 00 00 00 00   ........ ........\n",
-       value},
-      {"unsigned char answer[] = {\n"
-       "  0, 0, 0, 0, 0x14, 0x0, 0x0, 0x0, 0xb0, 0x01, 0x00, 0x02, 0x04, 0, 0, 0, 0, 0, 0, 0,\n"
-       "  0, 0, 0, 0, 0, 0, 7, 0, 0, 0, 0, 0\n};\nunsigned int answer_len = 32;\n",
-       value},
-      {"00-00-00-00-14-00-00-00-B0-01-00-02-04-00-00-00-00-00-00-00-00-00-00-00-00-00-07-00-00-00-00-00\n",
-       value},
-      {"\"\\x00\\x00\\x00\\x00\\x14\\x00\\x00\\x00\\xb0\\x01\\x00\\x02\\x04\\x00\\x00\\x00\\x00\\x00\\x00"
-       "\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x07\\x00\\x00\\x00\\x00\\x00\";\n",
-       value},
-      // rows that are the same
-      {"00000000  1e 00 00 02 08 01 00 00  00 00 00 00 00 00 00 00  |................|\n"
-       "00000010  00 00 00 00 00 00 00 00  00 00 00 00 00 00 00 00  |................|\n*\n"
-       "00000110  00 00 00 00 00 00 00 00  00 00                    |..........|\n0000011a\n",
-       utility},
-      {"0000000 1e 00 00 02 08 01 00 00 00 00 00 00 00 00 00 00\n"
-       "0000020 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n*\n"
-       "0000420 00 00 00 00 00 00 00 00 00 00\n0000432\n",
-       utility},
-  };
-  for (const Case& c : cases) {
-    const std::string text = c.text;
+  for (const auto& [record, text] : GoldenCases("record_dumps")) {
     for (const std::string& input : {text, fmt::format("# twice\n{0}{0}", text)}) {
       const std::vector<ordered_json> records = DecodeJson({}, input);
       EXPECT_EQ(records.size(), input == text ? 1U : 2U) << input;
-      for (const ordered_json& record : records) {
-        EXPECT_EQ(record["hex"], plain(c.record)) << text;
-        EXPECT_FALSE(record.contains("problem")) << record["problem"];
+      for (const ordered_json& found : records) {
+        EXPECT_EQ(handset::hex(found["hex"].get<std::string>()), handset::hex(record)) << text;
+        EXPECT_FALSE(found.contains("problem")) << found["problem"];
       }
     }
     EXPECT_EQ(Objects(RunTool({"decode", "--json", text})).size(), 1U) << text;
-  }
-}
-
-TEST_F(Decode, ALogMayHaveAnyForm) {
-  const std::string dump = "HexDump: Data BC0000020400000000000000000000000000070000000000";
-  for (const std::string& line : std::vector<std::string>{
-           "E/RIL-KESEXT(   77): " + dump, "03-14 09:30:00.100   77   78 E RIL-KESEXT: " + dump,
-           "03-14 09:30:00.100 E/RIL-KESEXT(   77): " + dump,
-           "[ 03-14 09:30:00.100    77:   78 E/RIL-KESEXT ]\n" + dump,
-           "[ 03-14 09:30:00.100    12:   12 I/Other ]\nabcd\n\n[ 03-14 09:30:00.100    77:   78 "
-           "E/RIL-KESEXT "
-           "]\n" +
-               dump,
-           "\x1b[38;5;196m03-14 09:30:00.100  77  78 E RIL-KESEXT: " + dump + "\x1b[0m",
-           "03-14 09:30:00.100  77  78 I Other: 0102\n" + dump}) {
-    const std::vector<ordered_json> records = DecodeJson({}, line + "\n");
-    ASSERT_EQ(records.size(), 1U) << line;
-    EXPECT_EQ(records[0]["fields"][4]["value"], 7) << line;
-    EXPECT_FALSE(records[0].contains("problem")) << line;
   }
 }
 

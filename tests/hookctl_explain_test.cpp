@@ -10,6 +10,7 @@
 #include <set>
 #include <sstream>
 
+#include "support/golden.h"
 #include "support/schema.h"
 #include "support/tool_test.h"
 #include "tools/log/line_table.h"
@@ -174,68 +175,12 @@ TEST_F(Explain, OnlyWhatIsAskedForIsTold) {
 }
 
 TEST_F(Explain, HowARequestEndsIsWhatItsLinesTell) {
-  struct Case {
-    std::initializer_list<const char*> lines;
-    const char* result;
-    const char* told;
-  };
-  const Case cases[] = {
-      {{"msg Id is 0x200001d, type is 0. ", "NV Read RdeId 38", "Child process waiting for data"},
-       "failed",
-       "the modem did not give element 38 (0x26)"},
-      {{"msg Id is 0x2000015, type is 0. ", "NV Read with RDE index (7), recordNum(0), offset(0).",
-        "NV Read 7, length 2, data length 2, grde - 0102", "Child process waiting for data"},
-       "answered",
-       "read element 7 (0x7): 0102"},
-      {{"msg Id is 0x2000015, type is 0. ", "NV Read with RDE index (7), recordNum(0), offset(0).",
-        "NV Read fail - 0, result - 1, error - 16", "RDE Read error", "Child process waiting for data"},
-       "failed",
-       "the modem does not give element 7 (0x7): error 16"},
-      {{"msg Id is 0x20000bd, type is 0. ", "Set BSR timer result - 1", "Read 18 bytes from pipe"},
-       "cut",
-       "no answer in the log: the next one came"},
-      {{"msg Id is 0x5001e, type is 1. ", "sys_info filter: sending requ"},
-       "cut",
-       "no answer in the log: the log ends"},
-      {{"msg Id is 0x20000ff, type is 0. ", "0x20000ff not supported", "Child process waiting for data"},
-       "not served",
-       "id 0x020000FF"},
-      {{"msg Id is 0x200001e, type is 0. ", "handleNvRsp: response hexdump for p_respHdr->msgId 0x200001e...",
-        "HexDump: Data 0", "Child process waiting for data"},
-       "answered",
-       "[]"},
-      {{"getOemHook: UNABLE TO IDENTIFY OEM_HOOK REQUEST!", "msg Id is 0xffffffff, type is 0. ",
-        "Wrong msg Id", "Child process waiting for data"},
-       "not served",
-       R"("name":"without an id","result":"not served","failed":true,"details":[],"problems":[{"line":2,"text":)"
-       R"("it is of neither form of requests"}])"},
-      {{"msg Id is 0x20000b7, type is 0. ", "NV Read with RDE index (10018), recordNum(0), offset(0).",
-        "NV Read 10018, length 2, data length 2, grde - ", "Input buffer is NULL or too small! max_len(1).",
-        "Child process waiting for data"},
-       "answered with zeros",
-       "read element 10018 (0x2722): no bytes"},
-      {{"msg Id is 0x2000018, type is 0. ", "NV write RdeId: 38 length 4",
-        "NV write Err RdeId=38, Err=0, resp_type=17", "Child process waiting for data"},
-       "failed",
-       R"(["4 bytes for element 38 (0x26))"},
-      {{"msg Id is 0x2000015, type is 0. ", "NV Read with RDE index (7), recordNum(0), offset(0).",
-        "NV Read fail - 0, result - 0, error - 0", "RDE Read error", "Child process waiting for data"},
-       "failed",
-       "element 7 (0x7) came with more than there can be"},
-      {{"msg Id is 0x2000011, type is 0. ", "kesext_hook_sprint_hexstr_to_bin invalid char 120 0",
-        "kesext_hook_sprint_hexstr_to_bin invalid char 120 1",
-        "kesext_hook_sprint_hexstr_to_bin invalid char 120 2",
-        "kesext_hook_sprint_hexstr_to_bin invalid char 120 3", "Write to parent failed 32",
-        "Child process waiting for data"},
-       "answered",
-       "Broken pipe"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.told);
-    const auto events = Events("E RIL-KESEXT: Read 18 bytes from pipe\n" + Bench(c.lines));
-    ASSERT_GE(events.size(), 2U) << c.told;
-    EXPECT_EQ(events[0]["result"], c.result) << events[0];
-    EXPECT_THAT(events[0].dump(), HasSubstr(c.told));
+  for (const auto& [told, log] : GoldenCases("request_endings")) {
+    const auto events = Events(log);
+    ASSERT_GE(events.size(), 2U) << told;
+    const size_t colon = told.find(": ");
+    EXPECT_EQ(events[0]["result"], told.substr(0, colon)) << events[0];
+    EXPECT_THAT(events[0].dump(), HasSubstr(told.substr(colon + 2)));
   }
 }
 
@@ -306,23 +251,6 @@ TEST_F(Explain, EveryShippedScenarioGoesAsItSaysAndLogsNoUnknownLine) {
                     Not(HasSubstr(": code 0"))));  // which is no failure
   fs::remove(process);
   fs::remove(log);
-}
-
-TEST_F(Explain, NoLineOfTheTestsOfTheProcessIsUnknown) {
-  constexpr std::string_view kTag = "RIL-KESEXT: ";
-  for (const auto& file : fs::directory_iterator(KESEXT_GOLDEN)) {
-    if (file.path().extension() != ".log") continue;
-    std::ifstream lines(file.path());
-    for (std::string line; std::getline(lines, line);) {
-      std::string_view text = line;
-      // What begins otherwise is not logged: titles, answers, what the modem was sent, files.
-      if (text.starts_with('#') || text.starts_with('>') || text.empty()) continue;
-      if (text.starts_with("E ") || text.starts_with("D ")) text.remove_prefix(2);
-      if (text.starts_with(kTag)) text.remove_prefix(kTag.size());
-      tools::Places places;
-      EXPECT_NE(tools::findLine(text, places), nullptr) << file.path() << ": " << text;
-    }
-  }
 }
 
 struct LoggedText {

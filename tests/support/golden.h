@@ -1,10 +1,11 @@
-// Log lines as files.
+// Log lines, and cases of many lines, as files.
 #pragma once
 
 #include <gmock/gmock.h>
 
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kesext_test {
@@ -16,6 +17,20 @@ inline void ExpectGolden(const std::vector<std::string>& lines, const std::strin
   for (std::string line; std::getline(file, line);)
     expected.push_back(line);
   EXPECT_THAT(lines, ::testing::ElementsAreArray(expected));
+}
+
+/// The cases of tests/golden/NAME.txt: what stands behind "== ", and the lines below it.
+inline std::vector<std::pair<std::string, std::string>> GoldenCases(const std::string& name) {
+  std::ifstream file(KESEXT_GOLDEN "/" + name + ".txt");
+  std::vector<std::pair<std::string, std::string>> cases;
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with("== "))
+      cases.emplace_back(line.substr(3), "");
+    else
+      cases.back().second += line + '\n';
+  }
+  EXPECT_FALSE(cases.empty()) << name;
+  return cases;
 }
 
 }  // namespace kesext_test
