@@ -1,7 +1,6 @@
 // Scenarios: what is said of one that is wrong or does not go as it says, and how several are played.
 #include <gmock/gmock.h>
 
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -17,7 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
-using ::testing::Not;
 
 class Play : public ToolTest {
  protected:
@@ -190,16 +188,6 @@ TEST_F(Play, WhatIsBehindTheDeathOfTheProcessIsNotPlayed) {
                                           "logged:\n"),
                                 HasSubstr("last words\n"), HasSubstr("  3  not played  modem stop\n"),
                                 HasSubstr("1 of 4 steps as expected")));
-}
-
-TEST_F(Play, AnInterruptionWhileTheModemIsSilentLeavesNothingBehind) {
-  RunningTool tool({"play", steps(R"({"process": "start"}, {"title": "silence", "modem": "silent rde-read"},
-                                     {"title": "read", "request": "nv26 read"})")});
-  EXPECT_TRUE(tool.waitForOutput("silence"));
-  tool.signal(SIGINT);
-  const ToolResult result = tool.finish();
-  EXPECT_EQ(result.status, 128 + SIGINT);
-  EXPECT_THAT(result.out, Not(HasSubstr("read")));
 }
 
 TEST_F(Play, AllCanBePlayedInAKeptFolderAgainAndAgain) {

@@ -187,7 +187,8 @@ TEST_F(Hookctl, ABashThatSourcesTheScriptCompletesCommandLines) {
 }
 
 TEST_F(Hookctl, CtrlCLeavesNothingWhateverItIsAt) {
-  const std::vector<std::string> commands[] = {{"watch"}, {"tour"}, {"modem", "--root", root_}};
+  const std::vector<std::string> commands[] = {
+      {"watch"}, {"tour"}, {"modem", "--root", root_}, {"send", "--trace", "--modem", "silent pfp", "pfp"}};
   for (const std::vector<std::string>& command : commands) {
     RunningTool tool(command);
     ASSERT_TRUE(tool.waitForOutput("e"));
