@@ -4,7 +4,7 @@
 #include <cstdint>
 
 /// Which of the handset's modems this process serves. Exported, so that the handset's libraries can read it.
-extern "C" int32_t kes_ext_instance_id;
+extern "C" [[gnu::visibility("default")]] int32_t kes_ext_instance_id;
 
 namespace kesext {
 
