@@ -68,9 +68,10 @@ extern "C" int __real_rename(const char* from, const char* to);
 extern "C" int __wrap_rename(const char* from, const char* to) {
   return fails("rename") ? -1 : __real_rename(from, to);
 }
-extern "C" dirent* __real_readdir(DIR* directory);
-extern "C" dirent* __wrap_readdir(DIR* directory) {
-  return fails("readdir") ? nullptr : __real_readdir(directory);
+// So called with 64-bit offsets.
+extern "C" dirent* __real_readdir64(DIR* directory);
+extern "C" dirent* __wrap_readdir64(DIR* directory) {
+  return fails("readdir") ? nullptr : __real_readdir64(directory);
 }
 extern "C" int __real_munmap(void* address, size_t size);
 extern "C" int __wrap_munmap(void* address, size_t size) {
