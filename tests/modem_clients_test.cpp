@@ -3,10 +3,38 @@
 
 #include <gmock/gmock.h>
 
+#include <semaphore>
+
+#include "core/indication_routing.h"
 #include "handset/folder.h"
 #include "handset/modem.h"
 #include "platform/qmi_services.h"
 #include "qmi/send.h"
+#include "qmi/vendor_client.h"
+
+/// Whether the framework asks for an RF save before it gives the handle, and when the answer waits for that.
+static bool indicates_early = false;
+static std::counting_semaphore<> answer_waits{0};
+
+// The link puts these in place of the calls.
+extern "C" decltype(pthread_cond_wait) __real_pthread_cond_wait;
+extern "C" int __wrap_pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex) {
+  answer_waits.release();
+  return __real_pthread_cond_wait(condition, mutex);
+}
+extern "C" decltype(qmi_client_init) __real_qmi_client_init;
+extern "C" int __wrap_qmi_client_init(const qmi_service_info* info, qmi_idl_service_object_type service,
+                                      qmi_client_ind_cb callback, void* data, qmi_client_os_params* params,
+                                      qmi_client_type* stored) {
+  qmi_client_type handle = nullptr;
+  const int result = __real_qmi_client_init(info, service, callback, data, params, &handle);
+  if (indicates_early) {
+    callback(handle, 0x0013, nullptr, 0, data);
+    EXPECT_TRUE(answer_waits.try_acquire_for(handset::kTimeout)) << "it was sent without the handle";
+  }
+  *stored = handle;
+  return result;
+}
 
 namespace kesext_test {
 namespace {
@@ -47,6 +75,18 @@ TEST(CarrierClientsTest, AnUnknownTypeIsRefusedAfterTheServiceWasFound) {
   });
   EXPECT_THAT(log, EndsWith("E RIL-KESEXT: sprint_client_init: Unknown\n"
                             "E RIL-KESEXT: sprint_client_init: qmi_client_init failed. rc = -1\n"));
+}
+
+TEST(VendorClientTest, AnAnswerToAnIndicationThatComesBeforeTheHandleWaitsForIt) {
+  handset::Folder folder;
+  setenv("HANDSET_ROOT", folder.root().c_str(), 1);
+  handset::Modem modem(folder.root());
+  modem.start();
+  indicates_early = true;
+  EXPECT_EQ(kesext::qmi_kesext_hook_client_init(kesext::handleUnsolIndication), 0);
+  indicates_early = false;
+  ASSERT_TRUE(modem.waitForRequests(1));
+  EXPECT_EQ(modem.requests()[0].id, 0x0013);
 }
 
 }  // namespace

@@ -140,16 +140,6 @@ TEST_F(ModemLinkTest, ManyThreadsEachGetTheirOwnAnswersWhileIndicationsArrive) {
     EXPECT_EQ(indications_.seen[i].second, le32(i)) << "in order";
 }
 
-TEST_F(ModemLinkTest, AnIndicationRightAfterTheConnectionFindsTheHandleStored) {
-  std::thread modem([this] {
-    ASSERT_TRUE(modem_.waitForClients(Service::vendor, 1));
-    modem_.indicate(0x0001, hex("01"));
-  });
-  Connect();
-  modem.join();
-  EXPECT_TRUE(indications_.waitFor(1));
-}
-
 TEST_F(ModemLinkTest, OneSendersTimeOutDoesNotEndAnothersWait) {
   Connect();
   modem_.silence(Service::vendor, kEcho);

@@ -1,15 +1,11 @@
 // The modem client framework, as the handset's libqmi_cci and libqmi_common_so offer it.
 #pragma once
 
-#include <pthread.h>
-
 #include <cstdint>
 
-extern "C" {
+#include "platform/qmi_client_records.h"
 
-struct qmi_client_struct;
-/// A connected client, or a notifier; released with qmi_client_release.
-using qmi_client_type = qmi_client_struct*;
+extern "C" {
 
 struct qmi_idl_service_object;
 /// Describes a service's messages to the framework; never looked into here.
@@ -18,29 +14,11 @@ using qmi_idl_service_object_type = const qmi_idl_service_object*;
 /// 0: done. Any other value is the framework's or the modem's error code.
 using qmi_client_error_type = int;
 
-/// One published instance of a service, as qmi_client_get_service_list fills it in.
-struct qmi_service_info {
-  uint32_t words[8];
-};
-
-/// What a notifier sets when an instance of its service is published. The framework prepares all fields
-/// in qmi_client_notifier_init, and later sets `sig_set` and signals `cond` under `mutex`.
-struct QmiSignal {
-  int32_t sig_set;    // non-zero once the framework has signalled; never cleared
-  int32_t timed_out;  // written by the waiting side only
-  pthread_cond_t cond;
-  pthread_mutex_t mutex;
-};
-
 /// Connection parameters of the operating system; this process passes none.
 struct qmi_client_os_params;
 
 /// What qmi_client_message_decode is told that it decodes.
 enum qmi_idl_message_type { QMI_IDL_REQUEST = 0, QMI_IDL_RESPONSE = 1, QMI_IDL_INDICATION = 2 };
-
-/// Called on a thread of the framework, one indication at a time per client.
-using qmi_client_ind_cb = void (*)(qmi_client_type user_handle, uint32_t msg_id, const uint8_t* ind_buf,
-                                   uint32_t ind_buf_len, void* ind_cb_data);
 
 /// Prepares `signal` and starts to watch for instances of the service.
 qmi_client_error_type qmi_client_notifier_init(qmi_idl_service_object_type service_obj, QmiSignal* signal,

@@ -11,7 +11,8 @@ namespace kesext {
 
 inline constexpr uint32_t kSendTimeoutMs = 15000;
 
-/// To the vendor extension service; may be called from several threads. The framework's result.
+/// To the vendor extension service; may be called from several threads, but not from the indication callback:
+/// it waits for the client to be connected. The framework's result.
 int32_t qmi_kesext_hook_send_msg_sync(uint32_t msg_id, const void* request, uint32_t request_length,
                                       void* response, uint32_t response_length);
 

@@ -1,5 +1,7 @@
 #include "qmi/vendor_client.h"
 
+#include <pthread.h>
+
 #include <cstring>
 
 #include "core/ground/log.h"
@@ -15,9 +17,35 @@ namespace {
 /// Attempts to find the service; each that fails is followed by a wait of at most one second.
 constexpr int kServiceAttempts = 500;
 
-/// Set by the main thread at start-up, only read afterwards.
+/// A client's handle that threads may ask for before it is there: the first indication, and the thread that
+/// it starts, may be ahead of the end of qmi_client_init.
+class AwaitedHandle {
+ public:
+  void set(qmi_client_type handle) {
+    pthread_mutex_lock(&mutex_);
+    handle_ = handle;
+    pthread_cond_broadcast(&is_set_);
+    pthread_mutex_unlock(&mutex_);
+  }
+  /// Waits until it is set.
+  qmi_client_type get() {
+    pthread_mutex_lock(&mutex_);
+    while (handle_ == nullptr)
+      pthread_cond_wait(&is_set_, &mutex_);
+    const qmi_client_type handle = handle_;
+    pthread_mutex_unlock(&mutex_);
+    return handle;
+  }
+
+ private:
+  pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
+  pthread_cond_t is_set_ = PTHREAD_COND_INITIALIZER;
+  qmi_client_type handle_ = nullptr;
+};
+
+/// Set by the main thread at start-up; the route before there can be an indication.
 struct VendorClient {
-  qmi_client_type handle = nullptr;
+  AwaitedHandle handle;
   qmi_client_ind_cb route = nullptr;
   QmiSignal signal{};
 };
@@ -79,12 +107,13 @@ int32_t qmi_kesext_hook_client_init(qmi_client_ind_cb route) {
       "qmi_kesext_hook_client_init: qmi_client_get_service_list() returned %d num_entries = %d num_services "
       "= %d\n",
       list.result, list.num_entries, list.num_services);
-  result =
-      qmi_client_init(&list.entries[0], service, qmi_kesext_hook_ind_cb, nullptr, nullptr, &vendor.handle);
+  qmi_client_type handle = nullptr;
+  result = qmi_client_init(&list.entries[0], service, qmi_kesext_hook_ind_cb, nullptr, nullptr, &handle);
   if (result != 0) {
     LOGE("qmi_kesext_hook_client_init: qmi_client_init failed. rc = %d\n", result);
     return -1;
   }
+  vendor.handle.set(handle);
   notifier.release();
   LOGE("qmi_kesext_hook_client_init Succeeded\n");
   return 0;
@@ -92,8 +121,8 @@ int32_t qmi_kesext_hook_client_init(qmi_client_ind_cb route) {
 
 int32_t qmi_kesext_hook_send_msg_sync(uint32_t msg_id, const void* request, uint32_t request_length,
                                       void* response, uint32_t response_length) {
-  return qmi_client_send_msg_sync(vendor.handle, msg_id, request, request_length, response, response_length,
-                                  kSendTimeoutMs);
+  return qmi_client_send_msg_sync(vendor.handle.get(), msg_id, request, request_length, response,
+                                  response_length, kSendTimeoutMs);
 }
 
 }  // namespace kesext
