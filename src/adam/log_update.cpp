@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <ctime>
 
 #include "adam/adam_state.h"
@@ -18,9 +19,9 @@ namespace kesext {
 
 namespace {
 
-constexpr double kRotationPeriod = 43'200;                  // seconds
-constexpr off_t kLogSizeMax = off_t{30} * 1024 * 1024 - 1;  // bytes
-constexpr size_t kCopyChunk = 256;                          // bytes
+constexpr double kRotationPeriod = 43'200;             // seconds
+constexpr int64_t kLogSizeMax = 30 * 1024 * 1024 - 1;  // bytes
+constexpr int64_t kCopyChunk = 256;                    // bytes
 constexpr const char* kDropBoxTag = "modem_adam";
 
 constexpr mode_t kAppendMode = 0770;
@@ -28,13 +29,13 @@ constexpr mode_t kWrittenLogMode = 0660;
 constexpr gid_t kLogGroup = 2002;
 
 /// Whether a new log is to be begun before the package is appended.
-bool startsNewLog(time_t now, off_t log_size, off_t package_size) {
+bool startsNewLog(time_t now, int64_t log_size, int64_t package_size) {
   return std::difftime(now, adam_state.last_handoff) >= kRotationPeriod ||
          package_size > kLogSizeMax - log_size;
 }
 
 /// Begins a new log, once the current one is handed over unless it is empty. False when there is no new one.
-bool rotate(off_t log_size, LogPath& current_log) {
+bool rotate(int64_t log_size, LogPath& current_log) {
   if (log_size != 0) {
     LOGE("adam_update_current_log: send %s to dropbox.", current_log.data());
     adam_state.last_handoff = std::time(nullptr);
@@ -60,7 +61,7 @@ void shareLog(const DeviceFile& log, const char* path) {
 
 /// Appends the package's file, of `size` bytes when it was looked at, to the log; no more of it, as the log
 /// may be that file. False, after a log line, unless the log has it all in storage.
-bool appendPackage(const char* package_path, off_t size, const char* log_path, bool log_is_empty) {
+bool appendPackage(const char* package_path, int64_t size, const char* log_path, bool log_is_empty) {
   const DeviceFile log(log_path, O_RDWR | O_CREAT | O_APPEND, kAppendMode);
   const DeviceFile package(package_path, O_RDONLY);
   if (!log || !package) {
@@ -70,7 +71,7 @@ bool appendPackage(const char* package_path, off_t size, const char* log_path, b
   if (log_is_empty) shareLog(log, log_path);
   char chunk[kCopyChunk];
   ssize_t count = 0;
-  while ((count = read(package.descriptor(), chunk, std::min<size_t>(size, sizeof chunk))) > 0) {
+  while ((count = read(package.descriptor(), chunk, static_cast<size_t>(std::min(size, kCopyChunk)))) > 0) {
     errno = 0;  // a short write does not set it
     if (write(log.descriptor(), chunk, static_cast<size_t>(count)) != count) return unable("write", log_path);
     size -= count;
@@ -101,7 +102,7 @@ void adam_update_current_log(const char* temp_path) {
     LOGE("adam_update_current_log: Unable to stat cur log file %d", errno);
     return;
   }
-  off_t log_size = log.st_size;
+  int64_t log_size = log.st_size;
   const time_t now = std::time(nullptr);
   if (adam_state.last_handoff == 0) adam_state.last_handoff = now;  // the first period begins
   if (startsNewLog(now, log_size, package.st_size)) {

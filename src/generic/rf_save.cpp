@@ -36,7 +36,7 @@ static_assert(sizeof(DhobRequest) == 1 && sizeof(DhobResponse) == 1);
 constexpr VendorMessage<DhobRequest, DhobResponse> kDhob{0x0013};
 
 /// Set while a save runs; every save thread tests and sets it.
-std::atomic_flag save_in_progress = ATOMIC_FLAG_INIT;
+std::atomic_flag save_in_progress;
 
 void sendToModem(DhobMessage message) {
   DhobResponse response;

@@ -14,7 +14,7 @@ namespace {
 timespec inOneSecond() {
   timeval now{};
   gettimeofday(&now, nullptr);
-  return {.tv_sec = now.tv_sec + 1, .tv_nsec = now.tv_usec * 1000};
+  return {.tv_sec = now.tv_sec + 1, .tv_nsec = static_cast<long>(now.tv_usec) * 1000};
 }
 
 }  // namespace
@@ -29,7 +29,10 @@ void ServiceNotifier::release() {
 }
 
 qmi_client_error_type ServiceNotifier::init(qmi_idl_service_object_type service, QmiSignal* signal) {
-  return qmi_client_notifier_init(service, signal, &notifier_);
+  qmi_client_type notifier = nullptr;
+  const qmi_client_error_type result = qmi_client_notifier_init(service, signal, &notifier);
+  if (result == 0) notifier_ = notifier;  // what a failure may have stored is not the process's
+  return result;
 }
 
 void waitForService(QmiSignal* signal) {

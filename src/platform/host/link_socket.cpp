@@ -31,7 +31,8 @@ constexpr milliseconds kSendRetryInterval{1};
 /// Limits what `option`, SO_RCVTIMEO or SO_SNDTIMEO, bounds; connecting counts as sending.
 bool limitTime(int fd, int option, microseconds time) {
   const auto whole = duration_cast<seconds>(time);
-  const timeval limit{.tv_sec = whole.count(), .tv_usec = (time - whole).count()};
+  const timeval limit{.tv_sec = static_cast<time_t>(whole.count()),
+                      .tv_usec = static_cast<suseconds_t>((time - whole).count())};
   return setsockopt(fd, SOL_SOCKET, option, &limit, sizeof limit) == 0;
 }
 
@@ -39,7 +40,8 @@ bool limitTime(int fd, int option, microseconds time) {
 void awaitEvents(int fd, short events, nanoseconds time) {
   pollfd wait{.fd = fd, .events = events, .revents = 0};
   const auto whole = duration_cast<seconds>(time);
-  const timespec limit{.tv_sec = whole.count(), .tv_nsec = (time - whole).count()};
+  const timespec limit{.tv_sec = static_cast<time_t>(whole.count()),
+                       .tv_nsec = static_cast<long>((time - whole).count())};
   ppoll(&wait, 1, &limit, nullptr);
 }
 
