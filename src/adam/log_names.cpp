@@ -65,7 +65,8 @@ LogPath packagePath(uint8_t package_id) {
 
 bool logFileExists(const LogPath& path) {
   struct stat status {};
-  return stat(DevicePath(path.data()).text(), &status) == 0;
+  // A file whose size or time has no room in `status` is there all the same.
+  return stat(DevicePath(path.data()).text(), &status) == 0 || errno == EOVERFLOW;
 }
 
 }  // namespace kesext

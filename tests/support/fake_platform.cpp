@@ -1,7 +1,9 @@
 #include "support/fake_platform.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <pthread.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstdarg>
@@ -68,7 +70,10 @@ extern "C" int __real_rename(const char* from, const char* to);
 extern "C" int __wrap_rename(const char* from, const char* to) {
   return fails("rename") ? -1 : __real_rename(from, to);
 }
-// So called with 64-bit offsets.
+// These two are so called with 64-bit offsets.
+extern "C" int __wrap_stat64(const char* path, struct stat* status) {
+  return fails("stat") ? -1 : fstatat(AT_FDCWD, path, status, 0);
+}
 extern "C" dirent* __real_readdir64(DIR* directory);
 extern "C" dirent* __wrap_readdir64(DIR* directory) {
   return fails("readdir") ? nullptr : __real_readdir64(directory);
