@@ -1,8 +1,7 @@
 #include "nam/nam_items.h"
 
-#include <algorithm>
-
 #include "core/ground/log.h"
+#include "core/ground/table.h"
 #include "nv/rde_messages.h"
 #include "nv/rde_operations.h"
 
@@ -10,8 +9,8 @@ namespace kesext {
 
 namespace {
 
-/// Every value lies in its record, every record fits a message, and no index stands twice. What a write does
-/// not set is read first, else it would go out as the item before left it; the MDN's record is set whole.
+/// Every value lies in its record, and every record fits a message. What a write does not set is read first,
+/// else it would go out as the item before left it; the MDN's record is set whole.
 constexpr bool itemsAreSound() {
   for (const NamItem& item : kNamItems) {
     uint32_t set = item.nam_byte ? 1 : 0;
@@ -22,12 +21,11 @@ constexpr bool itemsAreSound() {
     }
     if (!fitsRdeData(item.length)) return false;
     if (!item.read_first && set != item.length && item.rde_index != kMdnItem) return false;
-    const auto same_index = [&](const NamItem& other) { return other.rde_index == item.rde_index; };
-    if (std::ranges::count_if(kNamItems, same_index) != 1) return false;
   }
   return true;
 }
 static_assert(itemsAreSound());
+static_assert(keysAreUnique(kNamItems, &NamItem::rde_index));
 
 }  // namespace
 
