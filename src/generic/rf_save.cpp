@@ -4,7 +4,6 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <memory>
 
 #include "core/ground/device_file.h"
@@ -35,8 +34,8 @@ static_assert(sizeof(DhobRequest) == 1 && sizeof(DhobResponse) == 1);
 
 constexpr VendorMessage<DhobRequest, DhobResponse> kDhob{0x0013};
 
-/// Set while a save runs; every save thread tests and sets it.
-std::atomic_flag save_in_progress;
+/// Locked while a save runs; every save thread tries to lock it.
+pthread_mutex_t save_in_progress = PTHREAD_MUTEX_INITIALIZER;
 
 void sendToModem(DhobMessage message) {
   DhobResponse response;
@@ -106,7 +105,7 @@ int dhob_ind_handler(qmi_client_type, uint32_t, const uint8_t*, uint32_t, void*)
 }
 
 void dhob_write() {
-  if (save_in_progress.test_and_set()) {
+  if (pthread_mutex_trylock(&save_in_progress) != 0) {
     LOGE("dhob_write: Duplicate request: Save to HOB already in progress");
     sendToModem(kDhobFailed);
     return;
@@ -115,7 +114,7 @@ void dhob_write() {
   sync();
   LOGE("dhob_write: Sending DYNHOB request to BP");
   sendToModem(saved ? kDhobSaved : kDhobFailed);
-  save_in_progress.clear();
+  pthread_mutex_unlock(&save_in_progress);
 }
 
 }  // namespace kesext
