@@ -42,15 +42,16 @@ difference() {
 # The two lists of sources, CMake's and the one for the tree of a handset's maker, have every source.
 check_sources() {
   local in_cmake in_blueprint in_folder wrong
-  in_cmake=$(cd "$source/src" && grep -ohE '[a-z_/]+\.cpp' CMakeLists.txt
-    grep -ohE '[a-z_/]+\.cpp' "$source/src/platform/handset/CMakeLists.txt" | sed 's,^,platform/handset/,')
-  in_blueprint=$(sed -nE 's/^ *"([a-z_/]+\.cpp)",$/\1/p' "$source/src/Android.bp")
+  in_cmake=$(cd "$source/src" && grep -ohE '[a-z0-9_/]+\.cpp' CMakeLists.txt
+    grep -ohE '[a-z0-9_/]+\.cpp' "$source/src/platform/handset/CMakeLists.txt" | sed 's,^,platform/handset/,')
+  in_blueprint=$(sed -nE 's/^ *"([a-z0-9_/]+\.cpp)",$/\1/p' "$source/src/Android.bp")
   in_folder=$(cd "$source/src" && find . -name '*.cpp' -not -path './platform/host/*' | sed 's,^\./,,')
   wrong=$(difference 'in src' "$in_folder" 'in CMakeLists.txt' "$in_cmake")
   [ -z "$wrong" ] || complain 'src/CMakeLists.txt does not list the sources that there are' "$wrong"
   wrong=$(difference 'in src' "$in_folder" 'in Android.bp' "$in_blueprint")
   [ -z "$wrong" ] || complain 'src/Android.bp does not list the sources that there are' "$wrong"
-  wrong=$(difference 'here' "$libraries" 'in Android.bp' "$(sed -nE 's/^ *"(lib[a-z_]+)",$/\1/p' "$source/src/Android.bp")")
+  wrong=$(difference 'in linkage_test.sh' "$libraries" 'in Android.bp' \
+    "$(sed -nE 's/^ *"(lib[a-z0-9_]+)",$/\1/p' "$source/src/Android.bp")")
   [ -z "$wrong" ] || complain 'src/Android.bp links other libraries' "$wrong"
 }
 
@@ -115,11 +116,12 @@ check_hardening() {
   grep -q 'FLAGS_1.*PIE' <<<"$dynamic" && grep -q 'Elf file type is DYN' <<<"$segments" ||
     complain 'the executable is not position-independent (-fPIE, -pie)'
   grep -q 'GNU_RELRO' <<<"$segments" || complain 'relocated data stays writable (-z relro)'
-  grep -qE '\(FLAGS\).*BIND_NOW|FLAGS_1.*NOW' <<<"$dynamic" || complain 'symbols are bound late, so RELRO is partial (-z now)'
+  grep -qE '\(FLAGS\).*BIND_NOW|FLAGS_1.*NOW' <<<"$dynamic" ||
+    complain 'symbols are bound late, so RELRO is partial (-z now)'
   stack=$(grep 'GNU_STACK' <<<"$segments" || true)
   grep -qE ' RW +' <<<"$stack" || complain 'the stack is executable (-z noexecstack)' "$stack"
   grep -q ' __stack_chk_fail$' <<<"$undefined" || complain 'nothing guards the stack (-fstack-protector-strong)'
-  grep -qE ' __(memcpy|snprintf)_chk$' <<<"$undefined" || complain 'nothing checks sizes of copies (_FORTIFY_SOURCE)'
+  grep -qE ' __[a-z]+_chk$' <<<"$undefined" || complain 'nothing checks sizes of copies (_FORTIFY_SOURCE)'
   ! grep -q 'TEXTREL' <<<"$dynamic" || complain 'code is relocated (TEXTREL)'
   ! grep -qE 'RPATH|RUNPATH' <<<"$dynamic" ||
     complain 'libraries are looked for in a folder of their own' "$(grep -E 'RPATH|RUNPATH' <<<"$dynamic")"
@@ -138,7 +140,8 @@ check_libraries() {
 # time_t on 32 bits, and an off_t that _FILE_OFFSET_BITS decides.
 android_objects() {
   local target=$1 processor=$2 include=$work/include flags
-  flags="-nostdinc++ -nostdlibinc -isystem /usr/lib/llvm-14/include/c++/v1 -isystem $include -isystem /usr/$triple/include"
+  flags="-nostdinc++ -nostdlibinc -isystem /usr/lib/llvm-14/include/c++/v1"
+  flags+=" -isystem $include -isystem /usr/$triple/include"
   # glibc asks for this one where floating-point numbers are passed as Android does it.
   mkdir -p "$include/gnu"
   touch "$include/gnu/stubs-soft.h"
@@ -173,8 +176,9 @@ mkdir -p "$work/another/folder"
 cp -r "$source/CMakeLists.txt" "$source/src" "$work/another/folder"
 build_executable "$work/another/folder" "$work/another/folder/out"
 "$triple-strip" -o "$work/another/stripped" "$work/another/folder/out/bin/qmi_kesext_hook"
-cmp "$work/stripped" "$work/another/stripped" || complain 'built in another folder its stripped bytes are others'
-cmp "$executable" "$work/another/folder/out/bin/qmi_kesext_hook" || complain 'built in another folder its bytes are others'
+cmp -s "$work/stripped" "$work/another/stripped" || complain 'built in another folder its stripped bytes are others'
+cmp -s "$executable" "$work/another/folder/out/bin/qmi_kesext_hook" ||
+  complain 'built in another folder its bytes are others'
 
 # A maker's tree hides nothing by itself.
 build_executable "$source" "$work/visible" -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_VISIBILITY_PRESET=default
