@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <string>
 
 #include "support/tool_test.h"
@@ -163,8 +164,7 @@ TEST_F(HandsetBench, TheHelpOfModemShowsAParentThatWorks) {
   std::string script = RunTool({"modem", "--help"}).out;
   script.erase(0, script.find("  hookctl modem --root"));
   ASSERT_FALSE(script.empty());
-  for (size_t at = 0; (at = script.find("/tmp/", at)) != std::string::npos; at += temporary_.size())
-    script.replace(at, 4, temporary_);
+  script = std::regex_replace(script, std::regex("/tmp/(handset|answers|messages)\\b"), temporary_ + "/$1");
   std::ofstream(temporary_ + "/script") << script;
   setenv("PATH", (fs::path(KESEXT_HOOKCTL).parent_path().string() + ":" + std::getenv("PATH")).c_str(), 1);
   const std::string run = "cd " + temporary_ + " && sh script >shown 2>log";

@@ -5,7 +5,6 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <string>
 #include <system_error>
 
@@ -42,9 +41,9 @@ int run(int argc, char** argv) {
   });
   tool.fallthrough();
   tool.set_version_flag("--version", "hookctl " HOOKCTL_VERSION);
-  Common common{.executable =
-                    std::filesystem::read_symlink("/proc/self/exe").parent_path() / "qmi_kesext_hook"};
-  tool.add_option("--executable", common.executable, "the process, instead of the one beside this tool")
+  Common common;
+  tool.add_option("--executable", common.executable,
+                  "the process, instead of the one beside this tool or in " HOOKCTL_PROCESS_FOLDER " from there")
       ->check(CLI::ExistingFile)
       ->option_text("FILE");
   tool.add_option("--colour", common.colour, "auto (on a terminal only), always or never")

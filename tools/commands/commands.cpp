@@ -7,10 +7,13 @@
 #include <memory>
 #include <utility>
 
+#include "tools/commands/own_files.h"
 #include "tools/text/usage_error.h"
 #include "tools/text/words.h"
 
 namespace tools {
+
+std::string Common::process() const { return executable.empty() ? need(kProcess) : executable; }
 
 CLI::Validator oneOf(std::vector<std::string> names) {
   return {[names = std::move(names)](std::string& word) -> std::string {

@@ -15,9 +15,12 @@ inline constexpr int kStatusUsage = 2;
 
 /// What all commands go by.
 struct Common {
-  std::string executable;  // the process
+  std::string executable;  // the process, when it is not to be the tool's own
   ColourWhen colour = ColourWhen::automatic;
   int status = kStatusGood;
+
+  /// The process to start. Throws UsageError when there is none.
+  [[nodiscard]] std::string process() const;
 };
 
 /// Throws UsageError, with the nearest names, when there is no such command.

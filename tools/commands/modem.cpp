@@ -11,6 +11,7 @@
 #include "tools/bench/reference.h"
 #include "tools/bench/station.h"
 #include "tools/commands/commands.h"
+#include "tools/commands/own_files.h"
 #include "tools/text/usage_error.h"
 
 namespace tools {
@@ -66,20 +67,21 @@ void addModemCommand(CLI::App& tool, Common& common) {
   auto times = std::make_shared<bool>();
   addShared(*command, {.root = root.get(), .times = times.get()});
   command->get_option("--root")->required();
-  command->footer("Lines of the input tell the modem what to do; '#' begins a comment:\n" + modemReference() +
-                  R"(
+  command->footer(
+      "Lines of the input tell the modem what to do; '#' begins a comment:\n" + modemReference() + R"(
 What it was told and what was written is kept in the folder, in modem.txt, until it is told reset.
 
 Example, with a shell for a parent, which asks for the BSR timer:
   hookctl modem --root /tmp/handset &
   printf '\274\0\0\2\0\0\0\0\0\0\0\0\0\0\0\0\0\0' |
-    HANDSET_ROOT=/tmp/handset qmi_kesext_hook 0 4 5 0 4>/tmp/answers 5>/tmp/messages
+    HANDSET_ROOT=/tmp/handset )" + find(kProcess).value_or(kProcess.name) +
+                  R"( 0 4 5 0 4>/tmp/answers 5>/tmp/messages
   od -An -v -w24 -tx1 /tmp/answers | hookctl decode
   kill $!)");
   command->callback([&common, root, times] {
     // In the background of a terminal it is not to be stopped for reading, but to go on without its input.
     (void)std::signal(SIGTTIN, SIG_IGN);
-    Station station({.executable = common.executable, .root = *root});
+    Station station({.root = *root});
     fmt::print("the modem listens in {}; Ctrl-C ends it\n", *root);
     flushOutput();
     station.modem().recordCrossings(true);

@@ -8,6 +8,7 @@
 
 #include "tools/bench/record_json.h"
 #include "tools/commands/commands.h"
+#include "tools/commands/own_files.h"
 #include "tools/scenario/scenario.h"
 #include "tools/text/usage_error.h"
 
@@ -74,7 +75,7 @@ void show(const Console& console, Outcome outcome, size_t number, const Step& st
 /// Plays a scenario and shows each step, or only gives the steps' results for scripts.
 Json play(const Scenario& scenario, const PlayOptions& options, const Common& common,
           const Console& console) {
-  Station station({.executable = common.executable, .root = options.root, .instance_id = scenario.instance});
+  Station station({.executable = common.process(), .root = options.root, .instance_id = scenario.instance});
   station.modem().recordCrossings(options.trace);
   if (!options.json) console.section(scenario.title);
   Json results = Json::array();
@@ -127,19 +128,6 @@ int playAll(const PlayOptions& options, const Common& common) {
   return wrong.empty() ? kStatusGood : kStatusWrong;
 }
 
-/// The tour's scenarios: where they are installed, or in the source tree.
-std::string tourFolder() {
-  const fs::path program = fs::read_symlink("/proc/self/exe").parent_path();
-  const fs::path places[] = {program.parent_path() / "share/hookctl/scenarios/tour",
-                             HOOKCTL_SCENARIOS "/tour"};
-  for (const fs::path& place : places)
-    if (fs::is_directory(place)) return place;
-  throw UsageError(
-      fmt::format("the tour's scenarios are neither in {} nor in {}; hookctl play FOLDER plays "
-                  "them from elsewhere",
-                  places[0].string(), places[1].string()));
-}
-
 }  // namespace
 
 void addPlayCommand(CLI::App& tool, Common& common) {
@@ -174,9 +162,10 @@ void addTourCommand(CLI::App& tool, Common& common) {
   CLI::App* command = tool.add_subcommand(
       "tour", "Plays a tour of requests and indications, each held against what should come of it");
   command->footer(
-      R"(The tour is scenarios, played with each record shown, as by hookctl play --show. The lines behind hook> can be typed
+      R"(The tour is scenarios, played with each record shown, as by hookctl play --show: those in scenarios/tour beside this
+tool, or in )" HOOKCTL_DATA_FOLDER R"(/scenarios/tour from there. The lines behind hook> can be typed
 in hookctl shell. The status is 1 when something was not as expected.)");
-  command->callback([&common] { common.status = playAll({.paths = {tourFolder()}, .show = true}, common); });
+  command->callback([&common] { common.status = playAll({.paths = {need(kTour)}, .show = true}, common); });
 }
 
 }  // namespace tools

@@ -62,7 +62,7 @@ class Sending {
       : options_(options),
         console_(common.colour, options.times),
         request_(encodeWords(options.words)),
-        station_({.executable = common.executable,
+        station_({.executable = common.process(),
                   .root = options.root,
                   .instance_id = options.instance,
                   .share_modem = options.modem_lines.empty()}) {}

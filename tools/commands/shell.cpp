@@ -76,7 +76,7 @@ Examples:
   printf '%s\n' 'modem indicate carrier-value 7' | hookctl shell
   hookctl shell --record FILE; hookctl play FILE)");
   command->callback([&common, options] {
-    Station station({.executable = common.executable,
+    Station station({.executable = common.process(),
                      .root = options->root,
                      .instance_id = options->instance,
                      .share_modem = true});

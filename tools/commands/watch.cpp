@@ -107,7 +107,7 @@ void addWatchCommand(CLI::App& tool, Common& common) {
 Example:
   hookctl watch --root /tmp/handset --every 0.5)");
   command->callback([&common, options] {
-    Station station({.executable = common.executable, .root = options->root, .share_modem = true});
+    Station station({.executable = common.process(), .root = options->root, .share_modem = true});
     station.start();
     common.status = watch(station, *options) ? kStatusGood : kStatusWrong;
     station.end();
