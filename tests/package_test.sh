@@ -5,25 +5,8 @@ cd "$(dirname "$0")/.."
 . scripts/setup.sh
 export LC_ALL=C.UTF-8
 . /etc/os-release
-root=/mnt
+root=$PWD/build/package-root
 packages=build/release/packages
-
-# The bare Debian lives in memory, where only this script and its children see it, and goes with them.
-if [ "${1-}" != inside ]; then
-  if [ "$(id -u)" -ne 0 ]; then
-    echo 'a bare Debian to try the packages on takes root: sudo ./test package' >&2
-    exit 1
-  fi
-  install_packages $process_packages $tool_packages debootstrap dpkg-dev file util-linux
-  rm -rf $packages
-  build release package
-  ls $packages/*.deb
-  if ! unshare --mount --pid --fork true; then
-    echo 'this machine does not let root have mounts of its own: the packages cannot be tried here' >&2
-    exit 1
-  fi
-  exec unshare --mount --pid --fork --kill-child "tests/${0##*/}" inside
-fi
 
 # try WHAT COMMAND...: tells whether it works, and what it said where it does not.
 try() {
@@ -34,29 +17,45 @@ try() {
   fi
   printf '  ok      %s%s\n' "$1" "$( ((SECONDS - started < 2)) || echo " ($((SECONDS - started)) s)")"
 }
-at_root() { chroot $root env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive HOME=/ "$@"; }
-at_user() { chroot --userspec=nobody:nogroup $root env -i PATH=/usr/bin:/bin HOME=/tmp "$@"; }
+
+# The bare Debian lives in memory, where only this script and its children see it, and goes with them. What is left is the
+# empty folder that it was mounted on.
+if [ "${1-}" != inside ]; then
+  if [ "$(id -u)" -ne 0 ]; then
+    echo 'a bare Debian to try the packages on takes root: sudo ./test package' >&2
+    exit 1
+  fi
+  install_packages $process_packages $tool_packages debootstrap dpkg-dev file util-linux
+  rm -rf $packages
+  build release
+  try "the packages, in $packages" cmake --build build/release --target package
+  try 'mounts that only this test sees' unshare --mount --pid --fork true
+  mkdir -p "$root"
+  exec unshare --mount --pid --fork --kill-child "tests/${0##*/}" inside
+fi
+
+at_root() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive HOME=/ "$@"; }
+at_user() { chroot --userspec=nobody:nogroup "$root" env -i PATH=/usr/bin:/bin HOME=/tmp "$@"; }
 
 bare_debian() {
   local mirror
-  mirror=$(apt-get indextargets --no-release-info --format '$(REPO_URI)' 'Created-By: Packages' "Release: $VERSION_CODENAME" | head -n 1)
-  mount -t tmpfs -o mode=755 packages $root
-  debootstrap --variant=minbase "$VERSION_CODENAME" $root "${mirror:-http://deb.debian.org/debian}"
-  mount -t proc proc $root/proc
-  at_root apt-get update -q
+  mirror=$(apt-get indextargets --no-release-info --format '$(REPO_URI)' "Release: $VERSION_CODENAME" | head -n 1)
+  mount -t tmpfs -o mode=755 packages "$root" &&
+    debootstrap --variant=minbase "$VERSION_CODENAME" "$root" "${mirror:-http://deb.debian.org/debian}" &&
+    mount -t proc proc "$root"/proc && at_root apt-get update -q
 }
 
 # What is installed, but for what apt and dpkg note.
-all_files() { (cd $root && find . -xdev -path ./var/lib/dpkg -prune -o -path ./var/cache -prune -o -path ./var/log -prune -o -print | sort); }
+all_files() { chroot "$root" find / -xdev '(' -path /var/lib/dpkg -o -path /var/lib/apt -o -path /var/cache -o -path /var/log ')' -prune -o -print | sort; }
 
 install_both() {
-  cp $packages/*.deb $root/tmp
-  at_root sh -c 'apt-get install -q -y --no-install-recommends /tmp/*.deb; rm /tmp/*.deb'
+  cp $packages/*.deb "$root"/tmp &&
+    at_root sh -c 'apt-get install -q -y --no-install-recommends /tmp/*.deb && rm /tmp/*.deb'
 }
 
-remove_both() {
-  at_root apt-get purge -q -y --autoremove hookctl qmi-kesext-hook
-  diff <(all_files) <(echo "$before")
+nothing_left() {
+  at_root apt-get autoremove --purge -q -y &&
+    diff <(all_files) <(echo "$before")
 }
 
 files_are_there() {
@@ -64,25 +63,25 @@ files_are_there() {
   for file in bin/hookctl libexec/qmi_kesext_hook share/man/man1/hookctl.1.gz share/man/man8/qmi_kesext_hook.8.gz \
     share/bash-completion/completions/hookctl share/zsh/vendor-completions/_hookctl \
     share/fish/vendor_completions.d/hookctl.fish share/hookctl/scenarios/tour/01_published_properties.json; do
-    [ -s $root/usr/$file ] || { echo "/usr/$file is missing"; return 1; }
-    ! grep -F "$PWD" $root/usr/$file || { echo "/usr/$file knows where it was built"; return 1; }
+    [ -s "$root"/usr/$file ] || { echo "/usr/$file is missing"; return 1; }
+    ! grep -F "$PWD" "$root"/usr/$file || { echo "/usr/$file knows where it was built"; return 1; }
   done
 }
 
-tour() { "$@" tour --colour never | tail -n 1 | grep -x '\([0-9]*\) of \1 steps as expected'; }
+tour() { "$@" tour --colour never | tee /dev/stderr | tail -n 1 | grep -qx '\([0-9]*\) of \1 steps as expected'; }
 
 bash_completes() {
   at_root bash -c '. /usr/share/bash-completion/completions/hookctl
-    COMP_LINE="hookctl wa" COMP_POINT=10; _hookctl hookctl; [ "$COMPREPLY" = "watch " ]'
+    COMP_LINE="hookctl wa" COMP_POINT=10; _hookctl hookctl; [ "$COMPREPLY" = watch ]'
 }
 
-# To where nothing is that it might find instead, but for the libraries.
+# Without the packages, so that it finds nothing else, but with what they need of Debian.
 moved_tree() {
-  cmake --install build/release --prefix $root/opt/before
-  at_root apt-get remove -q -y hookctl qmi-kesext-hook
-  mv $root/opt/before $root/opt/after
-  tour at_root /opt/after/bin/hookctl
-  rm -r $root/opt/after
+  cmake --install build/release --prefix "$root"/opt/before &&
+    at_root apt-get purge -q -y hookctl qmi-kesext-hook &&
+    mv "$root"/opt/before "$root"/opt/after &&
+    tour at_root /opt/after/bin/hookctl &&
+    rm -r "$root"/opt/after
 }
 
 try "a bare Debian $VERSION_CODENAME" bare_debian
@@ -95,5 +94,5 @@ try "the tour, as root" tour at_root hookctl
 try "the tour, as another user" tour at_user hookctl
 try 'an installed scenario' at_user hookctl play /usr/share/hookctl/scenarios/provisioning.json
 try 'the tour of an installed tree that was moved' moved_tree
-try 'nothing is left of the packages' remove_both
+try 'nothing is left of the packages' nothing_left
 echo "tried the packages in $SECONDS s"
