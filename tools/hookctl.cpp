@@ -43,7 +43,7 @@ int run(int argc, char** argv) {
   tool.set_version_flag("--version", "hookctl " HOOKCTL_VERSION);
   Common common;
   tool.add_option("--executable", common.executable,
-                  "the process, instead of the one beside this tool or in " HOOKCTL_PROCESS_FOLDER " from there")
+                  "the process, instead of the one beside this tool or in its " HOOKCTL_PROCESS_FOLDER)
       ->check(CLI::ExistingFile)
       ->option_text("FILE");
   tool.add_option("--colour", common.colour, "auto (on a terminal only), always or never")

@@ -13,7 +13,9 @@
 
 namespace tools {
 
-std::string Common::process() const { return executable.empty() ? need(kProcess) : executable; }
+std::string Common::process() const {
+  return executable.empty() ? need(kProcess) : executable;
+}
 
 CLI::Validator oneOf(std::vector<std::string> names) {
   return {[names = std::move(names)](std::string& word) -> std::string {

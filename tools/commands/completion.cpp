@@ -20,6 +20,7 @@ namespace {
 constexpr std::array<const char*, 3> kShells{"bash", "zsh", "fish"};
 
 /// Each asks the tool for what the line may go on with; where that is nothing, file names are offered.
+/// zsh's is sourced, or installed: its first Tab then runs the whole file as the function.
 constexpr std::array<const char*, 3> kScripts{
     R"sh(_hookctl() {
   local IFS=$'\n'
@@ -37,7 +38,7 @@ _hookctl() {
   compadd -S '' -- ${(M)found:#*=}
   compadd -- ${found:#*=}
 }
-compdef _hookctl hookctl
+if [[ $funcstack[1] == _hookctl ]]; then _hookctl; else compdef _hookctl hookctl; fi
 )sh",
     R"sh(complete -c hookctl -a '(hookctl completion --words (commandline -cp | string collect) 2>/dev/null)'
 )sh"};
@@ -133,7 +134,9 @@ void addCompletionCommand(CLI::App& tool, Common& /*common*/) {
 
 Examples:
   source <(hookctl completion bash)
-  hookctl completion fish > ~/.config/fish/completions/hookctl.fish)");
+  hookctl completion fish > ~/.config/fish/completions/hookctl.fish
+
+An installed hookctl has brought them along.)");
   command->callback([&tool, options] {
     if (options->line)
       for (const std::string& word : candidatesFor(tool, read(*options->line)))

@@ -67,14 +67,15 @@ void addModemCommand(CLI::App& tool, Common& common) {
   auto times = std::make_shared<bool>();
   addShared(*command, {.root = root.get(), .times = times.get()});
   command->get_option("--root")->required();
-  command->footer(
-      "Lines of the input tell the modem what to do; '#' begins a comment:\n" + modemReference() + R"(
+  command->footer("Lines of the input tell the modem what to do; '#' begins a comment:\n" + modemReference() +
+                  R"(
 What it was told and what was written is kept in the folder, in modem.txt, until it is told reset.
 
 Example, with a shell for a parent, which asks for the BSR timer:
   hookctl modem --root /tmp/handset &
   printf '\274\0\0\2\0\0\0\0\0\0\0\0\0\0\0\0\0\0' |
-    HANDSET_ROOT=/tmp/handset )" + find(kProcess).value_or(kProcess.name) +
+    HANDSET_ROOT=/tmp/handset )" +
+                  find(kProcess).value_or(kProcess.name) +
                   R"( 0 4 5 0 4>/tmp/answers 5>/tmp/messages
   od -An -v -w24 -tx1 /tmp/answers | hookctl decode
   kill $!)");
