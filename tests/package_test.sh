@@ -34,6 +34,7 @@ if [ "${1-}" != inside ]; then
   exec unshare --mount --pid --fork --kill-child "tests/${0##*/}" inside
 fi
 
+umask 022
 at_root() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive HOME=/ "$@"; }
 at_user() { chroot --userspec=nobody:nogroup "$root" env -i PATH=/usr/bin:/bin HOME=/tmp "$@"; }
 
@@ -45,7 +46,7 @@ bare_debian() {
     mount -t proc proc "$root"/proc && at_root apt-get update -q
 }
 
-# What is installed, but for what apt and dpkg note.
+# All files, but for what apt and dpkg note.
 all_files() { chroot "$root" find / -xdev '(' -path /var/lib/dpkg -o -path /var/lib/apt -o -path /var/cache -o -path /var/log ')' -prune -o -print | sort; }
 
 install_both() {
