@@ -40,7 +40,7 @@ at_user() { chroot --userspec=nobody:nogroup "$root" env -i PATH=/usr/bin:/bin H
 
 bare_debian() {
   local mirror
-  mirror=$(apt-get indextargets --no-release-info --format '$(REPO_URI)' "Release: $VERSION_CODENAME" | head -n 1)
+  mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Origin: Debian' "Codename: $VERSION_CODENAME" | head -n 1)
   mount -t tmpfs -o mode=755 packages "$root" &&
     debootstrap --variant=minbase "$VERSION_CODENAME" "$root" "${mirror:-http://deb.debian.org/debian}" &&
     mount -t proc proc "$root"/proc && at_root apt-get update -q
