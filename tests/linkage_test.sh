@@ -173,7 +173,7 @@ size=$(stat -c %s "$work/stripped")
 [ "$size" -le $size_max ] || complain "stripped it is $size bytes, more than $size_max"
 
 mkdir -p "$work/another/folder"
-cp -r "$source/CMakeLists.txt" "$source/src" "$work/another/folder"
+cp -r "$source"/{CMakeLists.txt,cmake,docs,src} "$work/another/folder"
 build_executable "$work/another/folder" "$work/another/folder/out"
 "$triple-strip" -o "$work/another/stripped" "$work/another/folder/out/bin/qmi_kesext_hook"
 cmp -s "$work/stripped" "$work/another/stripped" || complain 'built in another folder its stripped bytes are others'
