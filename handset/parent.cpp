@@ -3,7 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
-#include <sys/syscall.h>
+#include <sys/eventfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -135,6 +135,14 @@ bool waitUntil(Clock::time_point deadline, int fd, short events) {
   }
 }
 
+/// Makes the eventfd readable for good once the process has ended, and leaves it to be waited for.
+void announceEnd(pid_t process, int ended) {
+  siginfo_t ignored{};
+  while (waitid(P_PID, static_cast<id_t>(process), &ignored, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
+  }
+  eventfd_write(ended, 1);
+}
+
 /// What one read gives; nothing at the end of the pipe or when the time is up.
 std::optional<Bytes> readOnce(int fd, Clock::time_point deadline) {
   if (!waitUntil(deadline, fd, POLLIN)) return std::nullopt;
@@ -150,6 +158,8 @@ std::optional<Bytes> readOnce(int fd, Clock::time_point deadline) {
 Parent::Parent(const ParentOptions& options) {
   std::signal(SIGPIPE, SIG_IGN);
   joinLogGroup();
+  ended_ = host::UniqueFd(eventfd(0, EFD_CLOEXEC));
+  if (!ended_) check(errno, "eventfd");
   Pipe requests = makePipe();
   Pipe responses = makePipe();
   Pipe unsolicited = makePipe();
@@ -166,13 +176,8 @@ Parent::Parent(const ParentOptions& options) {
   settings.give(child_unsolicited, kChildUnsolicitedFd);
   settings.closeFrom(kChildUnsolicitedFd + 1);
   pid_ = settings.spawn(argumentsOf(options), environmentOf(options));
-  process_ = host::UniqueFd(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)));
-  if (!process_) {
-    const int error = errno;
-    ::kill(pid_, SIGKILL);
-    waitpid(pid_, nullptr, 0);
-    check(error, "pidfd_open");
-  }
+  // A descriptor of the process itself would do too, but handsets' kernels are too old to have them.
+  end_watch_ = std::thread(announceEnd, pid_, ended_.get());
 
   requests_ = std::move(requests.write);
   responses_ = std::move(responses.read);
@@ -184,9 +189,11 @@ Parent::Parent(const ParentOptions& options) {
 
 Parent::~Parent() {
   closeRequests();
-  if (wait(kExitTimeout)) return;
-  kill(SIGKILL);
-  wait();
+  if (!wait(kExitTimeout)) {
+    kill(SIGKILL);
+    wait();
+  }
+  end_watch_.join();
 }
 
 bool Parent::send(ByteView request, Millis timeout) {
@@ -224,7 +231,7 @@ void Parent::kill(int signal) const {
 
 std::optional<int> Parent::wait(Millis timeout) {
   if (exit_status_) return exit_status_;
-  if (!waitUntil(Clock::now() + timeout, process_.get(), POLLIN)) return std::nullopt;
+  if (!waitUntil(Clock::now() + timeout, ended_.get(), POLLIN)) return std::nullopt;
   int status = 0;
   if (waitpid(pid_, &status, 0) != pid_) return std::nullopt;
   // What the process logged last may still be in the pipe.

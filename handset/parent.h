@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "handset/bytes.h"
@@ -62,7 +63,7 @@ class Parent {
 
   [[nodiscard]] pid_t pid() const { return pid_; }
   /// Can be read once the process has ended.
-  [[nodiscard]] int processFd() const { return process_.get(); }
+  [[nodiscard]] int processFd() const { return ended_.get(); }
   void kill(int signal) const;
   /// Waits for the process to end: its exit status, or minus the signal that ended it. Nothing when the time
   /// passed first. The log is complete afterwards.
@@ -96,7 +97,8 @@ class Parent {
   host::UniqueFd responses_;
   host::UniqueFd unsolicited_;
   pid_t pid_ = -1;
-  host::UniqueFd process_;
+  host::UniqueFd ended_;  // an eventfd
+  std::thread end_watch_;
   std::optional<int> exit_status_;
   Bytes unsolicited_bytes_;  // read, but not yet handed out
   std::unique_ptr<LineReader> log_;

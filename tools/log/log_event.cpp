@@ -38,7 +38,7 @@ std::string keptWords(std::string_view words) {
     --size;
   std::string kept(words.substr(0, size));
   std::replace_if(
-      kept.begin(), kept.end(), [](char byte) { return byte >= 0 && byte < ' '; }, '?');
+      kept.begin(), kept.end(), [](unsigned char byte) { return byte < ' '; }, '?');
   return size < words.size() ? kept + "..." : kept;
 }
 
