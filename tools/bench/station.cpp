@@ -74,7 +74,10 @@ void needReach(const std::filesystem::path& folder, std::string_view instead) {
 
 handset::Folder openFolder(const std::string& root) {
   if (root.empty()) {
-    needReach(std::filesystem::temp_directory_path(), "set TMPDIR to another folder");
+    std::error_code error;
+    const std::filesystem::path temporary = std::filesystem::temp_directory_path(error);
+    if (error) throw UsageError("there is no folder for temporary files: set TMPDIR to one");
+    needReach(temporary, "set TMPDIR to another folder");
     return {};
   }
   needReach(root, "take another --root");
