@@ -118,15 +118,15 @@ TEST_F(Explain, EveryFormOfALogTellsTheSame) {
   };
   const Form forms[] = {
       {"{0}  77  78 E RIL-KESEXT: {1}\n", "{0}  79  79 I Other   : {1}\n", true, true},
-      {"2026-{0}456 +0000  radio  77  78 E RIL-KESEXT: {1}\n", "{0} +0000 radio 79 79 E RIL-KESEXT2: x\n",
-       true, true},
+      {"2026-{0}456 +0000  radio  77  78 E use-Rlog/RLOG-RIL-KESEXT: {1}\n",
+       "{0} +0000 radio 79 79 E RIL-KESEXT2: x\n", true, true},
       {"{0} E/RIL-KESEXT(   77): {1}\r\r\n", "{0} W/Other(   77): {1}\r\r\n", true, true},
       {"{0} -0130 E/RIL-KESEXT(radio:   77): {1}\n", "{0} E/Other (radio:   77): {1}\n", true, true},
       {"E/RIL-KESEXT(   77): {1}\n", "W/Other(   77): {1}\n", false, true, 0},
       {"E/RIL-KESEXT( 1001:   77): {1}\n", "E/RIL-KESEXT(text: {1}\n", false, true, 0},
       {"E/RIL-KESEXT: {1}\n", "E/Other   : {1}\n", false, false, 0},
       {"[ {0}    77:   78 E/RIL-KESEXT ]\n{1}\n\n", "[ {0}    79:   79 E/Other ]\n{1}\n\n", true, true},
-      {"[ {0} radio:12345:12346 E/RIL-KESEXT ]\n{1}\n\n", "\n", true, true},
+      {"[ {0} radio:12345:12346 E/use-Rlog/RLOG-RIL-KESEXT ]\n{1}\n\n", "\n", true, true},
       {"\x1b[38;5;196m{0}  77  78 E RIL-KESEXT: {1}\x1b[0m\n", "\x1b[32m{0} 7 8 D Other: {1}\x1b[0m\n", true,
        true},
       {"E RIL-KESEXT: {1}\n", "Other: {1}\n", false, false},

@@ -13,6 +13,8 @@ namespace tools {
 namespace {
 
 constexpr std::string_view kTag = KESEXT_LOG_TAG;
+/// Before the tag where Android moves the line to the radio's log by itself.
+constexpr std::string_view kMoved = "use-Rlog/RLOG-";
 constexpr std::string_view kPriorityLetters = "VDIWEF";
 /// Where a log has no years, as of a leap year.
 constexpr int64_t kYearWithoutName = 2000;
@@ -108,9 +110,11 @@ bool readHead(std::string_view head, LogLine& line) {
 /// "HEAD P/TAG   (IDS): TEXT" from the colon or the bracket of the long form on.
 std::optional<LogLine> readTagged(std::string_view text) {
   const size_t tag = text.find(kTag);
-  if (tag == std::string_view::npos || tag < 2) return std::nullopt;
-  const size_t priority = tag - 2;
-  const char parting = text[tag - 1];
+  if (tag == std::string_view::npos) return std::nullopt;
+  const size_t begin = tag - (text.substr(0, tag).ends_with(kMoved) ? kMoved.size() : 0);
+  if (begin < 2) return std::nullopt;
+  const size_t priority = begin - 2;
+  const char parting = text[begin - 1];
   if ((parting != ' ' && parting != '/') || kPriorityLetters.find(text[priority]) == std::string_view::npos)
     return std::nullopt;
   if (priority > 0 && text[priority - 1] != ' ') return std::nullopt;
