@@ -151,7 +151,7 @@ void Folder::replaceFile(std::string_view handset_path, std::string_view text) c
   fs::rename(fresh, target);
 }
 
-void Folder::writeFileAt(std::string_view handset_path, size_t offset, ByteView bytes) const {
+void Folder::writeFileAt(std::string_view handset_path, uint64_t offset, ByteView bytes) const {
   writeFile(handset_path, ByteView{});
   const fs::path file = path(handset_path);
   fs::resize_file(file, offset);

@@ -48,7 +48,7 @@ class Folder {
   /// Puts a file in the place of one that is there, at once. The folder has to be there.
   void replaceFile(std::string_view handset_path, std::string_view text) const;
   /// The same as writeFile at an offset of a fresh file, behind a hole that takes no room on the disk.
-  void writeFileAt(std::string_view handset_path, size_t offset, ByteView bytes) const;
+  void writeFileAt(std::string_view handset_path, uint64_t offset, ByteView bytes) const;
   /// The file's bytes, or nothing when it cannot be read.
   [[nodiscard]] std::optional<Bytes> readFile(std::string_view handset_path) const;
   /// Makes a folder at a path of the handset, with those that lead there.

@@ -41,7 +41,7 @@ std::string writeFields(const handset::Received& asked, bool with_lengths) {
     const ByteView bytes = ByteView(asked.body).subspan(at, field.size);
     at += field.size;
     const bool is_length = field.when_absent == WhenAbsent::lengthOfRest;
-    if (is_length) length = std::min<size_t>(numberIn(bytes), asked.body.size());
+    if (is_length) length = static_cast<size_t>(std::min<uint64_t>(numberIn(bytes), asked.body.size()));
     if (handset::isZero(bytes) || (is_length && !with_lengths)) continue;
     const bool counted = field.kind == FieldKind::bytes && !with_lengths && length <= bytes.size() &&
                          handset::isZero(bytes.subspan(length));

@@ -86,7 +86,7 @@ void FieldSplitter::checkCount(const Count& count, const FieldSpec& field, size_
   if (count.value > there)
     problem(offset + size, fmt::format("{} ends here; {}, {} are there", field.name, said, there));
   else if (field.size == kRest && count.value < there)
-    problem(offset + count.value * unit,
+    problem(offset + static_cast<size_t>(count.value) * unit,
             fmt::format("{} should end here; {}, {} are there", field.name, said, there));
 }
 

@@ -65,7 +65,7 @@ std::string compareContent(const std::string& path, const FileDescription& expec
   if (expected.size.value_or(size) != size)
     return fmt::format(": expected {} bytes, not {}", *expected.size, size);
   if (!expected.content) return "";
-  Bytes found(expected.size || expected.at ? expected.content->size() : size);
+  Bytes found(expected.size || expected.at ? expected.content->size() : static_cast<size_t>(size));
   file.seekg(static_cast<std::streamoff>(expected.at.value_or(0)));
   file.read(reinterpret_cast<char*>(found.data()), static_cast<std::streamsize>(found.size()));
   found.resize(static_cast<size_t>(file.gcount()));
