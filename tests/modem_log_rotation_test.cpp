@@ -238,7 +238,8 @@ TEST_F(ModemLogRotationTest, StraysOfTwoDaysGoWithTheThirdLog) {
 
 TEST_F(ModemLogRotationTest, ALogIsNamedForTheLocalTime) {
   EXPECT_EQ(Create(kStart), "/data/adam/adam_20240201015959.log");
-  EXPECT_EQ(Create(std::numeric_limits<time_t>::max()), "/data/adam/adam_19000101000000.log") << "of no year";
+  const char* last = sizeof(time_t) == 8 ? "19000101000000" : "20380119051407";
+  EXPECT_EQ(Create(std::numeric_limits<time_t>::max()), "/data/adam/adam_" + std::string(last) + ".log");
 }
 
 TEST_F(ModemLogRotationTest, APackageThatIsNotThereOrCannotBeReadLeavesTheLogAsItWas) {

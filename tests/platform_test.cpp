@@ -77,7 +77,7 @@ TEST_F(PlatformTest, ADropBoxEntryAppearsUnderItsNameWithItsTextInIt) {
   const ssize_t size = read(watch.get(), events, sizeof events);
   bool named = false;
   for (ssize_t at = 0; at < size;) {
-    const auto* event = reinterpret_cast<const inotify_event*>(events + at);
+    const auto* event = static_cast<const inotify_event*>(static_cast<const void*>(events + at));
     named = named || event->name[0] != '.';
     EXPECT_FALSE(named && (event->mask & IN_MODIFY) != 0) << event->name;
     at += static_cast<ssize_t>(sizeof *event + event->len);

@@ -75,7 +75,7 @@ class RfSaveTest : public HookProcessTest {
 TEST_F(RfSaveTest, AnotherInstanceTakesNoPart) {
   MakeDevice();
   MakePartition();
-  Launch(1);
+  Launch({"3", "4", "5", "1"});
   ASSERT_TRUE(Logs("Child process waiting for data"));
   modem_.indicate(kDhob, {});
   ASSERT_TRUE(Logs("Unsol resp 0x13 not supported by Sprint handler."));

@@ -24,7 +24,7 @@ class StartupTest : public HookProcessTest {
 };
 
 TEST_F(StartupTest, BringsUpNasThenDmsThenVendorAndServesUntilTheRequestPipeIsClosed) {
-  Launch(3);
+  Launch({"3", "4", "5", "3"});
   ASSERT_TRUE(Logs("Child process waiting for data"));
   parent_->closeRequests();
   RecordUntilExit("instance 3");

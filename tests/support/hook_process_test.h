@@ -44,8 +44,7 @@ class HookProcessTest : public ::testing::Test {
   /// Starts the process beside the modem and waits until it serves requests.
   void Start(int instance_id = 0);
   /// Starts the process with a command line of its own, without waiting for anything.
-  void Launch(std::vector<std::string> arguments);
-  void Launch(int instance_id = 0);
+  void Launch(std::vector<std::string> arguments = {"3", "4", "5", "0"});
   /// Starts it from a script of the shell, as "$0" with the arguments of instance 0 in "$@".
   void LaunchFromShell(const std::string& script);
 
