@@ -24,22 +24,24 @@ class AwaitedHandle {
   void set(qmi_client_type handle) {
     pthread_mutex_lock(&mutex_);
     handle_ = handle;
-    pthread_cond_broadcast(&is_set_);
+    is_set_ = true;
+    pthread_cond_broadcast(&changed_);
     pthread_mutex_unlock(&mutex_);
   }
   /// Waits until it is set.
   qmi_client_type get() {
     pthread_mutex_lock(&mutex_);
-    while (handle_ == nullptr)
-      pthread_cond_wait(&is_set_, &mutex_);
-    const qmi_client_type handle = handle_;
+    while (!is_set_)
+      pthread_cond_wait(&changed_, &mutex_);
+    qmi_client_type handle = handle_;
     pthread_mutex_unlock(&mutex_);
     return handle;
   }
 
  private:
   pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
-  pthread_cond_t is_set_ = PTHREAD_COND_INITIALIZER;
+  pthread_cond_t changed_ = PTHREAD_COND_INITIALIZER;
+  bool is_set_ = false;  // not told by the handle: what the framework gives may be null
   qmi_client_type handle_ = nullptr;
 };
 
