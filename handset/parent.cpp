@@ -175,16 +175,22 @@ Parent::Parent(const ParentOptions& options) {
   settings.give(child_responses, kChildResponsesFd);
   settings.give(child_unsolicited, kChildUnsolicitedFd);
   settings.closeFrom(kChildUnsolicitedFd + 1);
+  log_ = std::make_unique<LineReader>(std::move(errors.read));
   pid_ = settings.spawn(argumentsOf(options), environmentOf(options));
-  // A descriptor of the process itself would do too, but handsets' kernels are too old to have them.
-  end_watch_ = std::thread(announceEnd, pid_, ended_.get());
-
   requests_ = std::move(requests.write);
   responses_ = std::move(responses.read);
   unsolicited_ = std::move(unsolicited.read);
   // A process that stops reading makes send() fail instead of hang.
   fcntl(requests_.get(), F_SETFL, O_NONBLOCK);
-  log_ = std::make_unique<LineReader>(std::move(errors.read));
+  // A descriptor of the process itself would do too, but handsets' kernels are too old to have them. Started
+  // last: what throws above has no thread to wait for.
+  try {
+    end_watch_ = std::thread(announceEnd, pid_, ended_.get());
+  } catch (const std::system_error&) {
+    ::kill(pid_, SIGKILL);
+    waitpid(pid_, nullptr, 0);
+    throw;
+  }
 }
 
 Parent::~Parent() {
