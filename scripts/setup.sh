@@ -1,4 +1,4 @@
-# Sourced by ./run and ./test: what both need of a fresh machine, and how they build.
+# Sourced by the scripts that build: what they need of a fresh machine, and how they build.
 
 process_packages='g++ cmake ninja-build'
 tool_packages='pkgconf libfmt-dev libcli11-dev libedit-dev nlohmann-json3-dev'
