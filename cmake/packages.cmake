@@ -20,7 +20,7 @@ Starts qmi_kesext_hook beside a simulated modem, sends it requests by name,
 shows what comes back in words, and makes the modem misbehave. Plays scenarios
 and holds each step against what is expected; reads records and logs.")
 
-# What Debian asks of every package.
+# What Debian asks of every package. With SOURCE_DATE_EPOCH set, packing again gives the same bytes.
 string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 foreach(component ${CPACK_COMPONENTS_ALL})
   string(TOUPPER ${component} upper)
