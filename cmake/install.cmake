@@ -23,6 +23,11 @@ install_compressed(${PROJECT_SOURCE_DIR}/docs/man/hookctl.1 hookctl ${CMAKE_INST
 install(DIRECTORY scenarios DESTINATION ${CMAKE_INSTALL_DATADIR}/hookctl COMPONENT hookctl)
 install(FILES docs/hookctl.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/hookctl COMPONENT hookctl)
 
+# The completions are what hookctl prints, where it runs here.
+if(CMAKE_CROSSCOMPILING)
+  return()
+endif()
+
 # install_completion(SHELL COMPONENT FOLDER NAME [OPTION]): where that shell looks for it.
 function(install_completion shell component folder name)
   install(FILES ${PROJECT_BINARY_DIR}/completion/${shell} DESTINATION ${CMAKE_INSTALL_DATADIR}/${folder}
