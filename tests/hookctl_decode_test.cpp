@@ -1,10 +1,10 @@
 // Records back to their fields: what crosses the pipes, what a log has of it, and what is none.
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <gmock/gmock.h>
 
 #include <map>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "support/golden.h"
 #include "support/sample_records.h"
@@ -22,17 +22,9 @@ using ::testing::HasSubstr;
 using tools::RecordKind;
 using Decode = ToolTest;
 
-std::vector<ordered_json> Objects(const ToolResult& result) {
-  std::vector<ordered_json> objects;
-  std::istringstream lines(result.out);
-  for (std::string line; std::getline(lines, line);)
-    objects.push_back(ordered_json::parse(line, nullptr, false));
-  return objects;
-}
-
 std::vector<ordered_json> DecodeJson(std::vector<std::string> options, const std::string& input) {
   options.insert(options.begin(), {"decode", "--json"});
-  return Objects(RunTool(options, input));
+  return JsonLines(RunTool(options, input).out);
 }
 
 /// What stands in the pipes, as `send --json` shows it.
@@ -57,7 +49,7 @@ void ExpectReadBack(const std::vector<std::string>& options, const std::vector<o
   }
 }
 
-TEST_F(Decode, WhatSendShowsIsReadBackToTheSameFields) {
+TEST_F(Decode, WhatSendShowsAndTheProcessDumpsIsReadBack) {
   tools::Station station({.executable = KESEXT_BINARY});
   station.start();
   Shown shown;
@@ -81,6 +73,16 @@ TEST_F(Decode, WhatSendShowsIsReadBackToTheSameFields) {
   for (const auto& [kind, records] : shown)
     ExpectReadBack({"--as", std::string(tools::nameOf(kind))}, records);
   EXPECT_EQ(station.end(), 0);
+
+  // What the process says before each dump cannot change unnoticed.
+  const std::string log = fmt::format("{}\n", fmt::join(station.process().logs(), "\n"));
+  size_t dumps = 0;
+  for (size_t at = 0; (at = log.find("HexDump: Data", at)) != std::string::npos; ++at)
+    ++dumps;
+  const std::vector<ordered_json> objects = DecodeJson({}, log);
+  EXPECT_EQ(objects.size(), dumps);
+  for (const ordered_json& object : objects)
+    EXPECT_FALSE(object.contains("problem")) << object;
 }
 
 TEST_F(Decode, TheTableHasAllRequestsThatTheProcessServesAndNoOthers) {
@@ -114,7 +116,7 @@ TEST_F(Decode, OfALogTheDumpsAreReadByWhatTheLineBeforeSays) {
               "00000000 0500000000000000 00000000\n"
               "E RIL-KESEXT: HexDump: Data 07000002\n");
   EXPECT_EQ(result.status, 1);
-  const std::vector<ordered_json> objects = Objects(result);
+  const std::vector<ordered_json> objects = JsonLines(result.out);
   ASSERT_EQ(objects.size(), 3U);
   EXPECT_EQ(objects[0]["kind"], "data");
   EXPECT_EQ(objects[0]["line"], 3);
@@ -123,25 +125,6 @@ TEST_F(Decode, OfALogTheDumpsAreReadByWhatTheLineBeforeSays) {
   EXPECT_EQ(objects[1]["line"], 7);
   EXPECT_FALSE(objects[1].contains("problem"));
   EXPECT_EQ(objects[2]["problem_offset"], 4);
-}
-
-/// The process's own lines, so that what it says before each dump cannot change unnoticed.
-TEST_F(Decode, EveryDumpInTheProcessesLogIsAnnounced) {
-  tools::Station station({.executable = KESEXT_BINARY});
-  station.start();
-  for (const tools::RequestRow& row : tools::requestTable())
-    station.ask(SampleRequest(row));
-  EXPECT_EQ(station.end(), 0);
-  std::string log;
-  size_t dumps = 0;
-  for (const std::string& line : station.process().logs()) {
-    log += line + "\n";
-    dumps += line.find("HexDump: Data") != std::string::npos ? 1 : 0;
-  }
-  const std::vector<ordered_json> objects = DecodeJson({}, log);
-  EXPECT_EQ(objects.size(), dumps);
-  for (const ordered_json& object : objects)
-    EXPECT_FALSE(object.contains("problem")) << object;
 }
 
 /// Of an unsolicited carrier value and, with rows that repeat themselves, of a request.
@@ -155,7 +138,7 @@ TEST_F(Decode, RecordsAreReadAsToolsPrintThem) {
         EXPECT_FALSE(found.contains("problem")) << found["problem"];
       }
     }
-    EXPECT_EQ(Objects(RunTool({"decode", "--json", text})).size(), 1U) << text;
+    EXPECT_EQ(JsonLines(RunTool({"decode", "--json", text}).out).size(), 1U) << text;
   }
 }
 
@@ -170,33 +153,11 @@ TEST_F(Decode, RecordsStandOnALineInSeveralWordsOrInBlocks) {
   EXPECT_THAT(RunTool({"decode", "0006000100000000"}).out, HasSubstr("it can be answer as well"));
 }
 
-TEST_F(Decode, WhatIsNoRecordIsSaid) {
-  struct Case {
-    std::vector<std::string> words;
-    std::string input;
-    int status;
-    const char* said;
-  };
-  const Case cases[] = {
-      {{"00 0G"}, "", 1, "    4  DOES NOT PARSE: in the text, \"G\" is no hexadecimal digit"},
-      {{"000"}, "", 1, "    3  DOES NOT PARSE: in the text, the last byte lacks its second digit"},
-      {{}, std::string(200'000, '0'), 1, "131072  DOES NOT PARSE: in the text, more follows"},
-      {{"BD0000020400000000000000000000000000"}, "", 1, "   18  DOES NOT PARSE: the record ends here"},
-      {{"B60000020000000000000000000000000000"}, "", 0, "resets to what the factory set"},
-      {{"FF0000020000000000000000000000000000"}, "", 0, "CDMA request 0x020000FF, an unknown id"},
-      {{}, "", 1, "there is no record: 0 lines"},
-      {{}, "E TAG: nothing\n", 1, "there is no record: 1 lines"},
-      {{"--request", "data-plnm", "00"}, "", 2, "did you mean data-plmn?"},
-      {{"--request", "data-plmn", "--as", "request", "00"}, "", 2, "leave out --as or say --as answer"},
-      {{"--as", "reply", "00"}, "", 2, "reply"},
-  };
-  for (const Case& c : cases) {
-    std::vector<std::string> words = c.words;
-    words.insert(words.begin(), "decode");
-    const ToolResult result = RunTool(words, c.input);
-    EXPECT_EQ(result.status, c.status) << c.said;
-    EXPECT_THAT(result.out + result.err, HasSubstr(c.said));
-  }
+TEST_F(Decode, WhatIsNoRecordIsBoundedAndSaid) {
+  const ToolResult endless = RunTool({"decode"}, std::string(200'000, '0'));
+  EXPECT_EQ(endless.status, 1);
+  EXPECT_THAT(endless.out, HasSubstr("131072  DOES NOT PARSE: in the text, more follows"));
+  EXPECT_THAT(RunTool({"decode"}, "E TAG: nothing\n").err, HasSubstr("there is no record: 1 lines"));
 }
 
 }  // namespace

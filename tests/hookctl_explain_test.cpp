@@ -67,12 +67,9 @@ std::string LogOf(fmt::string_view form, fmt::string_view other) {
 /// What --json tells, all of which has the shape of the schema.
 std::vector<ordered_json> Events(const std::string& log, std::vector<std::string> options = {}) {
   options.insert(options.begin(), {"explain", "--json"});
-  std::istringstream lines(RunTool(options, log).out);
-  std::vector<ordered_json> events;
-  for (std::string line; std::getline(lines, line);) {
-    events.push_back(ordered_json::parse(line, nullptr, false));
-    EXPECT_EQ(SchemaMisfit(lines.peek() == EOF ? "summary" : "explain", events.back()), "") << line;
-  }
+  std::vector<ordered_json> events = JsonLines(RunTool(options, log).out);
+  for (const ordered_json& event : events)
+    EXPECT_EQ(SchemaMisfit(&event == &events.back() ? "summary" : "explain", event), "") << event;
   return events;
 }
 
@@ -86,26 +83,7 @@ std::string Bench(std::initializer_list<const char*> texts) {
 TEST_F(Explain, TheStoryHasTimesAndPointsOutASilentModem) {
   const ToolResult told = RunTool({"explain"}, LogOf("{0}   77    78 E RIL-KESEXT: {1}\r\n", ""));
   EXPECT_EQ(told.status, 0) << told.err;
-  EXPECT_EQ(told.out, R"(
-12-31
-       2      77  23:59:40.000     1.3 s  start-up              ready; instance 0; the modem's services were there after 1.2 s; waited once for one, up to 1 s each
-       9      77  23:59:48.000            modem: carrier-value  2 bytes
-       7      77  23:59:42.000    15.0 s  bsr-timer get         answered with zeros; THE MODEM LET 15 s PASS; the timer could not be read: code -3 (line 11); timer 0
-
-01-01
-      14      77  00:00:10.000            modem log             /data/adam/adam_1.log begun
-      15      77  00:00:10.001            modem log             cannot write /data/adam/adam_1.log: No space left on device (errno 28)
-
-Requests                number    failed    longest       mean
-bsr-timer get                1         1     15.0 s     15.0 s
-
-Slowest
-bsr-timer get           15.0 s  line 7
-
-15 lines, 14 of the process, which started once
-The modem let 15 s pass once.
-Something went wrong once outside of requests.
-)");
+  EXPECT_EQ(told.out, GoldenCases("story_of_a_silent_modem")[0].second);
 }
 
 TEST_F(Explain, EveryFormOfALogTellsTheSame) {
@@ -169,9 +147,6 @@ TEST_F(Explain, OnlyWhatIsAskedForIsTold) {
     EXPECT_EQ(events.back()["event"], "summary");
     EXPECT_EQ(events.back()["requests"][0]["name"], "bsr-timer get");
   }
-  const ToolResult wrong = RunTool({"explain", "--only", "bsr-timr"}, log);
-  EXPECT_EQ(wrong.status, 2);
-  EXPECT_THAT(wrong.err, HasSubstr("did you mean bsr-timer"));
 }
 
 TEST_F(Explain, HowARequestEndsIsWhatItsLinesTell) {
@@ -230,27 +205,25 @@ TEST_F(Explain, WhatIsCutUnknownOrRepeatedIsSaidOnce) {
   const ToolResult foreign = RunTool({"explain"}, "E/Other( 1): E RIL-KESEXT: Read failed\n");
   EXPECT_EQ(foreign.status, 1);
   EXPECT_THAT(foreign.err, HasSubstr("the log has no line of the process: 1 lines"));
-  EXPECT_EQ(RunTool({"explain", "/no/such/log"}).status, 2);
   const auto long_name =
       Events(Bench({"Read 18 bytes from pipe"}) + "E RIL-KESEXT: plmn short name is 7-bit Unpacked data " +
              std::string(154, 'a') + "\xce\xa3\x1b]0;\n" + std::string(1 << 20, '\0') + "\n");
   EXPECT_EQ(long_name[0]["details"][0], "name " + std::string(154, 'a') + "...");
 }
 
-TEST_F(Explain, EveryShippedScenarioGoesAsItSaysAndLogsNoUnknownLine) {
-  const std::string process = temporary_ + "/process";
-  const std::string log = temporary_ + "/log";
-  std::ofstream(process) << "#!/bin/bash\nexec " KESEXT_BINARY " \"$@\" 2> >(exec tee -a " << log
-                         << " >&2)\n";
-  fs::permissions(process, fs::perms::all);
-  const ToolResult played = RunTool({"--executable", process, "play", KESEXT_SCENARIOS});
+TEST_F(Explain, EveryShippedScenarioGoesAsItSaysAgainAndAgainAndLogsNoUnknownLine) {
+  const std::string log = own_ + "/log";
+  const std::string process =
+      Write("process", "#!/bin/bash\nexec " KESEXT_BINARY " \"$@\" 2> >(exec tee -a " + log + " >&2)\n");
+  const std::string all = KESEXT_SCENARIOS;
+  const ToolResult played =
+      RunTool({"--executable", process, "play", "--root", root_, all, all + "/tour", all, all + "/tour"});
   EXPECT_EQ(played.status, 0) << played.out << played.err;
+  EXPECT_TRUE(fs::exists(root_ + "/data/adam"));
   const ToolResult told = RunTool({"explain", log});
   EXPECT_THAT(told.out,
               AllOf(HasSubstr("nam write "), HasSubstr("tot-order set "), Not(HasSubstr("cut or not known")),
                     Not(HasSubstr(": code 0"))));  // which is no failure
-  fs::remove(process);
-  fs::remove(log);
 }
 
 struct LoggedText {
@@ -286,21 +259,34 @@ std::vector<LoggedText> LoggedTexts(const std::string& code, const std::string& 
   return texts;
 }
 
+/// The manual's lines of a log, with a number in the place of the code.
+std::vector<std::string> ManualsLines() {
+  static const std::regex kLine(R"(\n\.Dl (?:E RIL-KESEXT: )?([^\n]*))");
+  const std::string manual = FileText(KESEXT_MANUAL);
+  std::vector<std::string> lines;
+  for (std::sregex_iterator line(manual.begin(), manual.end(), kLine), end; line != end; ++line)
+    lines.push_back(std::regex_replace((*line)[1].str(), std::regex("CODE|ERROR"), "7"));
+  return lines;
+}
+
 TEST_F(Explain, EveryTextThatTheProcessCanLogHasARowAndEveryRowSuchAText) {
   std::set<const tools::LineRow*> met;
   for (const auto& file : fs::recursive_directory_iterator(fs::path(KESEXT_GOLDEN) / "../../src")) {
     if (file.path().extension() != ".cpp") continue;
-    std::stringstream code;
-    code << std::ifstream(file.path()).rdbuf();
+    const std::string code = FileText(file.path());
     for (const auto& [first, others] :
          {std::pair{"7", "7"}, {"0", "7"}, {"0", "0"}, {"1", "1"}, {"93", "93"}}) {
-      for (const auto& [text, certain] : LoggedTexts(code.str(), first, others)) {
+      for (const auto& [text, certain] : LoggedTexts(code, first, others)) {
         tools::Places places;
         const tools::LineRow* row = tools::findLine(text, places);
         EXPECT_TRUE(row != nullptr || !certain) << file.path() << ": " << text;
         met.insert(row);
       }
     }
+  }
+  for (const std::string& text : ManualsLines()) {
+    tools::Places places;
+    EXPECT_NE(tools::findLine(text, places), nullptr) << text;
   }
   for (const auto rows : {tools::processLines(), tools::serviceLines(), tools::modemLines()})
     for (const tools::LineRow& row : rows) {

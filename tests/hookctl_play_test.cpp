@@ -7,34 +7,21 @@
 #include <sstream>
 
 #include "handset/message_table.h"
+#include "support/golden.h"
 #include "support/tool_test.h"
 #include "tools/bench/question.h"
 
 namespace kesext_test {
 namespace {
 
-namespace fs = std::filesystem;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 
 class Play : public ToolTest {
  protected:
-  ~Play() override { fs::remove_all(own_); }
-
-  /// A file of the test's own.
-  [[nodiscard]] std::string write(const std::string& name, const std::string& text) const {
-    const fs::path path = own_ / name;
-    fs::create_directories(path.parent_path());
-    std::ofstream(path) << text;
-    fs::permissions(path, fs::perms::owner_all | fs::perms::group_all);
-    return path;
-  }
   [[nodiscard]] std::string steps(const std::string& text) const {
-    return write("scenario.json", R"({"steps": [)" + text + "]}");
+    return Write("scenario.json", R"({"steps": [)" + text + "]}");
   }
-
- private:
-  fs::path own_ = fs::path(temporary_) / "own";
 };
 
 TEST_F(Play, ThePlayGoesOnBehindAStepThatIsWrongAndShowsWhatCame) {
@@ -46,7 +33,8 @@ TEST_F(Play, ThePlayGoesOnBehindAStepThatIsWrongAndShowsWhatCame) {
                 "log": ["process waiting for", "RDE index (10017"]
 }
 },
-    {"request": "rde write 10017 0102", "expect": {"asked": "rde-write rde_index=10017 data=0103"}},
+    {"request": "rde write 10017 0102", "expect": {"asked": "rde-write rde_index=10017 data=0103",
+                                               "bytes": "15000002 00000000 05000000 000000000000 0000"}},
     {"request": "nv26 read", "expect": {"asked": {"includes": ["rde-read rde_index=38", "pfp"]}}},
     {"indicate": ["test", "data-plmn"],
      "expect": {"message": [{"name": "data PLMN changed"},
@@ -65,6 +53,7 @@ TEST_F(Play, ThePlayGoesOnBehindAStepThatIsWrongAndShowsWhatCame) {
         "logged: E RIL-KESEXT: Child process waiting for data",
         "asked: message 1: expected nothing more, not rde-read rde_index=10017",
         "asked: message 1: rde-write data differs at byte 1 of 512: expected 03 00 ",
+        "  4  WRONG       request rde write 10017 0102\n    the answer differs at byte 8 of 20: expected 05 ",
         "asked: expected pfp\n      was asked: rde-read rde_index=38\n", "01 02                    data",
         "message 1: expected data PLMN changed, not unsolicited 0x00000457", "/a is not there",
         "none is not there", "dropbox: expected [t: x], not []", "  8  ok          modem stop\n",
@@ -83,69 +72,30 @@ TEST_F(Play, ThePlayGoesOnBehindAStepThatIsWrongAndShowsWhatCame) {
 }
 
 TEST_F(Play, AFileThatIsWrongIsSaidWithThePlaceBeforeAnythingStarts) {
-  struct Case {
-    const char* steps;
-    const char* said;
-  };
-  const Case cases[] = {
-      {R"({"proces": "start"})", "step 1: there is no 'proces' here; did you mean process?"},
-      {R"({"process": "start"}, {"title": "Read", "request": "nam raed"})",
-       "step 2 (Read): request: there is no request 'nam raed'; did you mean nam read"},
-      {R"({"request": "nam read"})", "the process does not run here"},
-      {R"({"process": "start"}, {"process": "start"})", "the process runs already"},
-      {R"({"modem": "stop", "file": {}})", "a step does one thing, not modem and file"},
-      {R"({"modem": "stop", "modem": "start"})", "step 1: \"modem\" is given twice"},
-      {R"({"modem": ["stop", "fail rde-raed 1"]})", "did you mean rde-read"},
-      {R"({"modem": 7})", "step 1 (modem 7): modem: takes text, not 7"},
-      {R"({"process": "start"}, {"request": "nam read", "expect": {"fields": {"mnd": 1}}})",
-       "expect: fields: the answer to nam read has no field 'mnd'; did you mean mdn"},
-      {R"({"process": "start"}, {"request": "nam read", "expect": {"fields": {"homeSid": 4294967296}}})",
-       "expect: fields: homeSid takes a number from 0 to 4294967295, not '4294967296'"},
-      {R"({"process": "start"}, {"request": "nam read", "expect": {"status": "sucess"}})",
-       "did you mean success?"},
-      {R"({"process": "start"}, {"indicate": "test", "expect": {"message": {"name": "PFB"}}})",
-       "did you mean PFP"},
-      {R"({"expect": {"status": "success"}})", "expect: status: is of an answer"},
-      {R"({"expect": {"asked": "pfp 0102030405"}})", "pfp asks 4 bytes, not 5"},
-      {R"({"expect": {"asked": "rde-read rde_idx=1"}})", "did you mean rde_index?"},
-      {R"({"expect": {"asked": {"include": []}}})", "did you mean includes?"},
-      {R"({"file": {"path": "/a/../../b", "text": ""}})", "has no .."},
-      {R"({"file": {"path": "/a", "text": "", "link": "/b"}})", "needs text or bytes"},
-      {R"({"file": {"path": "/a", "at": 1}})", "needs text or bytes"},
-      {R"({"file": {"path": "/a", "size": -1}})", "takes a number from 0 to"},
-      {R"({"file": {"path": "/a", "size": 1e999}})", "1e999"},
-      {R"({"expect": {}})", "does nothing and expects nothing"},
-      {R"({"modem": []})", "step 1 (modem []): the step does nothing and expects nothing"},
-      {"7", "step 1: takes {\"KEY\": VALUE, ...}, not 7"},
-      {"", "a scenario has \"steps\""},
-      {"{\"process\": \"start\"},\n  {\"title\" 1}", "scenario.json:2:12: syntax error"},
-  };
-  for (const Case& c : cases) {
-    const ToolResult result = RunTool({"play", steps(c.steps)});
-    EXPECT_EQ(result.status, 2) << c.steps;
-    EXPECT_THAT(result.err, AllOf(HasSubstr("scenario.json:"), HasSubstr(c.said))) << c.steps;
+  for (const auto& [wrong, said] : GoldenCases("wrong_scenarios")) {
+    const ToolResult result = RunTool({"play", steps(wrong)});
+    EXPECT_EQ(result.status, 2) << wrong;
+    EXPECT_EQ(result.err, "hookctl: " + own_ + "/" + said);
     EXPECT_EQ(result.out, "");
   }
-  EXPECT_THAT(RunTool({"play", write("a.json", "[]")}).err, HasSubstr("not []"));
-  EXPECT_THAT(RunTool({"play", "/nowhere"}).err, HasSubstr("/nowhere cannot be read: No such file"));
-  EXPECT_THAT(RunTool({"play", "/proc/self/fd"}).err,
-              HasSubstr("/proc/self/fd has no file that ends in .json"));
+  EXPECT_THAT(RunTool({"play", Write("a.json", "[]")}).err, HasSubstr("not []"));
+  EXPECT_THAT(RunTool({"play", steps("")}).err, HasSubstr("a scenario has \"steps\""));
 }
 
 TEST_F(Play, FilesAndFoldersArePlayedByNameEachOnAHandsetOfItsOwnUnlessThatIsKept) {
   const std::string one =
-      write("story/1/make.json",
+      Write("story/1/make.json",
             R"({"title": "One", "steps": [{"file": {"path": "/x", "bytes": "A5*3 00", "at": "0x10"}},
     {"expect": {"file": [{"path": "/x", "size": 20}, {"path": "/x", "at": 17, "bytes": "A5A500"}]}}]})");
-  (void)write("story/1/notes.txt", "no scenario");
-  const std::string two = write(
+  (void)Write("story/1/notes.txt", "no scenario");
+  const std::string two = Write(
       "story/2.json", R"({"title": "Two", "steps": [{"expect": {"file": {"path": "/x", "absent": true}}}]})");
-  const std::string folder = temporary_ + "/own/story";
+  const std::string folder = own_ + "/story";
   EXPECT_EQ(RunTool({"play", folder}).out,
             "\nOne\n    1  ok          file {\"path\":\"/x\",\"bytes\":\"A5*3 00\","
             "\"at\":\"0x10\"}\n    2  ok          expect file\n\nTwo\n    1  ok          expect file\n\n"
             "3 of 3 steps as expected\n");
-  const std::string root = temporary_ + "/own/kept";
+  const std::string root = own_ + "/kept";
   const ToolResult kept = RunTool({"play", "--root", root, one, two});
   EXPECT_EQ(kept.status, 1);
   EXPECT_THAT(kept.out, HasSubstr("    /x is there, and should not be\n\n2 of 3 steps as expected\n"
@@ -158,8 +108,7 @@ TEST_F(Play, FilesAndFoldersArePlayedByNameEachOnAHandsetOfItsOwnUnlessThatIsKep
 }
 
 TEST_F(Play, ThePageAndTheHelpTellEveryKey) {
-  std::ifstream file(fs::path(KESEXT_SCHEMA).replace_filename("hookctl.md"));
-  const std::string page{std::istreambuf_iterator<char>(file), {}};
+  const std::string page = FileText(std::filesystem::path(KESEXT_SCHEMA).replace_filename("hookctl.md"));
   std::istringstream help(RunTool({"play", "--help"}).out);
   size_t count = 0;
   for (std::string line; std::getline(help, line);) {
@@ -173,7 +122,7 @@ TEST_F(Play, ThePageAndTheHelpTellEveryKey) {
 }
 
 TEST_F(Play, WhatIsBehindTheDeathOfTheProcessIsNotPlayed) {
-  const std::string mortal = write("mortal",
+  const std::string mortal = Write("mortal",
                                    "#!/bin/sh\n"
                                    "echo 'E RIL-KESEXT: Child process waiting for data' >&2\n"
                                    "head -c 1 <&3 >/dev/null\n"
@@ -190,12 +139,25 @@ TEST_F(Play, WhatIsBehindTheDeathOfTheProcessIsNotPlayed) {
                                 HasSubstr("1 of 4 steps as expected")));
 }
 
-TEST_F(Play, AllCanBePlayedInAKeptFolderAgainAndAgain) {
-  const std::string root = temporary_ + "/own/kept";
-  const std::string all = KESEXT_SCENARIOS;
-  const ToolResult result = RunTool({"play", "--root", root, all, all + "/tour", all, all + "/tour"});
-  EXPECT_EQ(result.status, 0) << result.out << result.err;
-  EXPECT_TRUE(fs::exists(root + "/data/adam"));
+TEST_F(Play, TheToursLinesCanBeTypedInTheShellRecordedAndPlayedAgain) {
+  const ToolResult tour = RunTool({"tour"});
+  EXPECT_EQ(tour.status, 0) << tour.out;
+  constexpr std::string_view kTourPrompt = "    hook> ";
+  std::istringstream lines(tour.out);
+  std::string typed;
+  size_t count = 0;
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.starts_with(kTourPrompt)) continue;
+    typed += line.substr(kTourPrompt.size()) + '\n';
+    ++count;
+  }
+  EXPECT_GT(count, 75U);
+  const std::string recorded = own_ + "/recorded.json";
+  const ToolResult shell = RunTool({"shell", "--record", recorded}, typed);
+  EXPECT_EQ(shell.status, 0);
+  EXPECT_THAT(shell.err, ::testing::IsEmpty());
+  const ToolResult again = RunTool({"play", recorded});
+  EXPECT_EQ(again.status, 0) << again.out << again.err;
 }
 
 TEST(Question, IsWrittenInTheShortestWordsThatItIsReadFrom) {

@@ -79,7 +79,18 @@ bool Terminal::shows(std::string_view text) {
   return true;
 }
 
-int Terminal::waitForEnd() {
+bool Terminal::answers(std::string_view keys, std::initializer_list<std::string_view> texts) {
+  type(keys);
+  for (const std::string_view text : texts)
+    if (!shows(text)) {
+      ADD_FAILURE() << "not shown: " << text;
+      return false;
+    }
+  return true;
+}
+
+int Terminal::endsWith(std::string_view keys) {
+  type(keys);
   int status = 0;
   if (!waitToRead(tool_) || waitpid(pid_, &status, 0) != pid_) return -1;
   pid_ = -1;

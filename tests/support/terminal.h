@@ -4,6 +4,7 @@
 #include <sys/types.h>
 #include <termios.h>
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,8 +28,11 @@ class Terminal {
   /// passed(). False when it does not come.
   bool shows(std::string_view text);
   [[nodiscard]] const std::string& passed() const { return passed_; }
-  /// Waits for the tool to end: its status, or minus the signal that ended it; −1 when it does not.
-  int waitForEnd();
+  /// Types, and waits for texts one behind the other as shows() does for each.
+  bool answers(std::string_view keys, std::initializer_list<std::string_view> texts);
+  /// Types the last keys and waits for the tool to end: its status, or minus the signal that ended it; −1
+  /// when it does not.
+  int endsWith(std::string_view keys);
   /// Whether the terminal is as it was before the tool.
   [[nodiscard]] bool hasItsModesBack() const;
 

@@ -8,12 +8,16 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
 #include <utility>
 
 namespace kesext_test {
 
 namespace {
 
+namespace fs = std::filesystem;
 using host::UniqueFd;
 
 struct Pipe {
@@ -35,6 +39,13 @@ std::string readAll(const UniqueFd& fd) {
   while ((count = read(fd.get(), chunk.data(), chunk.size())) > 0)
     text.append(chunk.data(), static_cast<size_t>(count));
   return text;
+}
+
+/// A temporary folder. The process is another user and has to get below it.
+std::string makeFolder() {
+  std::string pattern = fs::temp_directory_path() / "tool-XXXXXX";
+  fs::permissions(mkdtemp(pattern.data()), fs::perms::all);
+  return pattern;
 }
 
 }  // namespace
@@ -121,18 +132,38 @@ ToolResult RunTool(const std::vector<std::string>& arguments, std::string_view i
   return RunningTool(arguments).finish(input);
 }
 
-ToolTest::ToolTest() {
-  std::string pattern = std::filesystem::temp_directory_path() / "tool-XXXXXX";
-  temporary_ = mkdtemp(pattern.data());
-  // The process is another user and has to get below it.
-  std::filesystem::permissions(temporary_, std::filesystem::perms::all);
+std::string FileText(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<nlohmann::ordered_json> JsonLines(const std::string& output) {
+  std::vector<nlohmann::ordered_json> values;
+  std::istringstream lines(output);
+  for (std::string line; std::getline(lines, line);)
+    values.push_back(nlohmann::ordered_json::parse(line, nullptr, false));
+  return values;
+}
+
+ToolTest::ToolTest() : temporary_(makeFolder()), own_(makeFolder()), root_(own_ + "/handset") {
   setenv("TMPDIR", temporary_.c_str(), 1);
+  setenv("XDG_STATE_HOME", own_.c_str(), 1);
 }
 
 ToolTest::~ToolTest() {
-  EXPECT_TRUE(std::filesystem::is_empty(temporary_)) << "a folder was left behind";
+  EXPECT_TRUE(fs::is_empty(temporary_)) << "a folder was left behind";
   unsetenv("TMPDIR");
-  std::filesystem::remove_all(temporary_);
+  unsetenv("XDG_STATE_HOME");
+  fs::remove_all(temporary_);
+  fs::remove_all(own_);
+}
+
+std::string ToolTest::Write(const std::string& name, std::string_view text) const {
+  const fs::path path = fs::path(own_) / name;
+  fs::create_directories(path.parent_path());
+  std::ofstream(path) << text;
+  fs::permissions(path, fs::perms::all);
+  return path;
 }
 
 }  // namespace kesext_test

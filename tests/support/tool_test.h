@@ -5,6 +5,7 @@
 #include <spawn.h>
 #include <sys/types.h>
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -54,14 +55,28 @@ class RunningTool {
 /// Runs `hookctl ARGUMENTS` to its end, with this text as its input.
 ToolResult RunTool(const std::vector<std::string>& arguments, std::string_view input = {});
 
-/// The folders that stations leave below TMPDIR while they run; none should be there when all have ended.
+/// What a file has in it; nothing where there is none.
+std::string FileText(const std::string& path);
+
+/// The lines of an output as JSON values.
+std::vector<nlohmann::ordered_json> JsonLines(const std::string& output);
+
+/// Tools leave the folders of their stations below TMPDIR while they run; none should be there when all have
+/// ended.
 class ToolTest : public ::testing::Test {
  protected:
-  /// TMPDIR of everything that this test starts, empty at first and in the end.
   ToolTest();
   ~ToolTest() override;
 
-  std::string temporary_;
+  /// Makes a file in the test's own folder, which may be executed, and gives its path.
+  [[nodiscard]] std::string Write(const std::string& name, std::string_view text) const;
+
+  /// TMPDIR of everything that the test starts, empty at first and in the end.
+  const std::string temporary_;
+  /// A folder of the test's own, which is removed in the end; the shell has its history in it.
+  const std::string own_;
+  /// In that, no folder yet.
+  const std::string root_;
 };
 
 }  // namespace kesext_test
