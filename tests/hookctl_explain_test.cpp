@@ -25,43 +25,9 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using Explain = ToolTest;
 
-/// A line of the process, so many milliseconds after 23:59:40 of the last day of a year.
-struct Said {
-  int after;
-  const char* text;
-};
-
-constexpr Said kSilentModem[] = {
-    {0, "Starting kesext_client"},
-    {1, "readfd=3, writefd=4, writeunsolfd=5 kes_ext_instance_id=0"},
-    {2, "sprint_client_init: wait for server to come up."},
-    {1250, "qmi_kesext_hook_client_init Succeeded"},
-    {1300, "Child process waiting for data"},
-    {2000, "Read 18 bytes from pipe"},
-    {2001, "msg Id is 0x20000bc, type is 0. "},
-    {8000, "qmi_kesext_hook_ind_cb: msg_id=0x12 buf_len=2 cb_data=(nil)"},
-    {8001, "Handling unsol msg 18"},
-    {17000, "kes_qmi_sprint_get_bsr_timer: qmi_client_send_msg_sync failed (-3)."},
-    {17001, "Get BSR timer result - 0"},
-    {17002, "Child process waiting for data"},
-    {30000, "adam_create_new_log: create new /data/adam/adam_1.log."},
-    {30001, "adam_update_current_log: Unable to write /data/adam/adam_1.log, errno 28"},
-};
-
-std::string TimeOf(const Said& said) {
-  const int millis = 40'000 + said.after;
-  const bool next = millis >= 60'000;
-  return fmt::format("{} {}:{:02}.{:03}", next ? "01-01" : "12-31", next ? "00:00" : "23:59",
-                     millis / 1000 % 60, millis % 1000);
-}
-
-/// Lines with {0} for the time and {1} for the text, among those of another process.
-std::string LogOf(fmt::string_view form, fmt::string_view other) {
-  std::string log = "--------- beginning of radio\n";
-  for (const Said& said : kSilentModem)
-    log += fmt::format(fmt::runtime(other), TimeOf(said), "E RIL-KESEXT: not the process's") +
-           fmt::format(fmt::runtime(form), TimeOf(said), said.text);
-  return log;
+/// A log in which the modem lets 15 seconds pass, its lines ending as they are told to.
+std::string SilentModemsLog(const char* line_end = "\n") {
+  return std::regex_replace(GoldenCases("log_forms").at(0).second, std::regex("\n"), line_end);
 }
 
 /// What --json tells, all of which has the shape of the schema.
@@ -81,35 +47,13 @@ std::string Bench(std::initializer_list<const char*> texts) {
 }
 
 TEST_F(Explain, TheStoryHasTimesAndPointsOutASilentModem) {
-  const ToolResult told = RunTool({"explain"}, LogOf("{0}   77    78 E RIL-KESEXT: {1}\r\n", ""));
+  const ToolResult told = RunTool({"explain"}, SilentModemsLog("\r\n"));
   EXPECT_EQ(told.status, 0) << told.err;
   EXPECT_EQ(told.out, GoldenCases("story_of_a_silent_modem")[0].second);
 }
 
+/// Of each form stands in the file what its lines have.
 TEST_F(Explain, EveryFormOfALogTellsTheSame) {
-  struct Form {
-    const char* line;
-    const char* other;
-    bool timed;
-    bool has_process;
-    int silences = 1;
-  };
-  const Form forms[] = {
-      {"{0}  77  78 E RIL-KESEXT: {1}\n", "{0}  79  79 I Other   : {1}\n", true, true},
-      {"2026-{0}456 +0000  radio  77  78 E use-Rlog/RLOG-RIL-KESEXT: {1}\n",
-       "{0} +0000 radio 79 79 E RIL-KESEXT2: x\n", true, true},
-      {"{0} E/RIL-KESEXT(   77): {1}\r\r\n", "{0} W/Other(   77): {1}\r\r\n", true, true},
-      {"{0} -0130 E/RIL-KESEXT(radio:   77): {1}\n", "{0} E/Other (radio:   77): {1}\n", true, true},
-      {"E/RIL-KESEXT(   77): {1}\n", "W/Other(   77): {1}\n", false, true, 0},
-      {"E/RIL-KESEXT( 1001:   77): {1}\n", "E/RIL-KESEXT(text: {1}\n", false, true, 0},
-      {"E/RIL-KESEXT: {1}\n", "E/Other   : {1}\n", false, false, 0},
-      {"[ {0}    77:   78 E/RIL-KESEXT ]\n{1}\n\n", "[ {0}    79:   79 E/Other ]\n{1}\n\n", true, true},
-      {"[ {0} radio:12345:12346 E/use-Rlog/RLOG-RIL-KESEXT ]\n{1}\n\n", "\n", true, true},
-      {"\x1b[38;5;196m{0}  77  78 E RIL-KESEXT: {1}\x1b[0m\n", "\x1b[32m{0} 7 8 D Other: {1}\x1b[0m\n", true,
-       true},
-      {"E RIL-KESEXT: {1}\n", "Other: {1}\n", false, false},
-      {"    E RIL-KESEXT: {1}\n", "    Other: {1}\n", false, false},
-  };
   const auto story = [](const std::vector<ordered_json>& events) {
     std::string text;
     for (const ordered_json& event : events)
@@ -117,21 +61,22 @@ TEST_F(Explain, EveryFormOfALogTellsTheSame) {
                           event.value("result", ""));
     return text;
   };
-  const auto expected = Events(LogOf(forms[0].line, forms[0].other));
+  const auto expected = Events(SilentModemsLog("\r\r\n"));
   ASSERT_EQ(expected.size(), 6U);
-  for (const Form& form : forms) {
-    const auto events = Events(LogOf(form.line, form.other));
-    ASSERT_EQ(events.size(), expected.size()) << form.line;
-    EXPECT_EQ(events[2].contains("took_ms"), form.timed) << form.line;
-    EXPECT_EQ(events[2].contains("process"), form.has_process) << form.line;
+  for (const auto& [form, log] : GoldenCases("log_forms")) {
+    const auto has = [&form = form](const char* what) { return form.find(what) != std::string::npos; };
+    const auto events = Events(log);
+    ASSERT_EQ(events.size(), expected.size()) << form;
+    EXPECT_EQ(events[2].contains("took_ms"), has("times")) << form;
+    EXPECT_EQ(events[2].contains("process"), has("processes")) << form;
+    EXPECT_EQ(events[2].value("silences", 0), has("silence") ? 1 : 0) << form;
     EXPECT_EQ(events.back()["unknown"], 0) << events.back();
-    EXPECT_EQ(story(events), story(expected)) << form.line;
-    EXPECT_EQ(events[2].value("silences", 0), form.silences) << form.line;
+    EXPECT_EQ(story(events), story(expected)) << form;
   }
 }
 
 TEST_F(Explain, OnlyWhatIsAskedForIsTold) {
-  const std::string log = LogOf("{0} 77 78 E RIL-KESEXT: {1}\n", "");
+  const std::string log = SilentModemsLog();
   struct Case {
     const char* only;
     std::vector<size_t> lines;

@@ -25,25 +25,7 @@ class Play : public ToolTest {
 };
 
 TEST_F(Play, ThePlayGoesOnBehindAStepThatIsWrongAndShowsWhatCame) {
-  const std::string scenario = steps(R"(
-    {"process": "start"},
-    {"request": "rde write 10017 0102"},
-    {"title": "Read", "request": "rde read 10017",
-     "expect": {"status": "failure", "fields": {"length": 3, "data": "0103"}, "asked": [],
-                "log": ["process waiting for", "RDE index (10017"]
-}
-},
-    {"request": "rde write 10017 0102", "expect": {"asked": "rde-write rde_index=10017 data=0103",
-                                               "bytes": "15000002 00000000 05000000 000000000000 0000"}},
-    {"request": "nv26 read", "expect": {"asked": {"includes": ["rde-read rde_index=38", "pfp"]}}},
-    {"indicate": ["test", "data-plmn"],
-     "expect": {"message": [{"name": "data PLMN changed"},
-                            {"name": "test notification", "fields": {"text": "other"}}]}},
-    {"expect": {"file": [{"path": "/a", "absent": true}, {"path": "/a", "text": ""}],
-                "properties": {"none": "1"}, "dropbox": {"tag": "t", "text": "x"}}},
-    {"modem": "stop"},
-    {"indicate": "test"},
-    {"process": "end", "expect": {"exit": 3}})");
+  const std::string scenario = KESEXT_GOLDEN "/scenario_that_goes_wrong.json";
   const ToolResult result = RunTool({"play", scenario});
   EXPECT_EQ(result.status, 1);
   for (const char* said :
@@ -161,24 +143,9 @@ TEST_F(Play, TheToursLinesCanBeTypedInTheShellRecordedAndPlayedAgain) {
 }
 
 TEST(Question, IsWrittenInTheShortestWordsThatItIsReadFrom) {
-  const std::string lines[] = {"rde-read rde_index=38",
-                               "rde-write rde_index=10017 data=0102030400",
-                               "rde-write rde_index=10017 length=7 data_len=3 data=text:abc",
-                               "change-programming-code current=000000 changed=123456",
-                               "write-a-key code=123456 akey=98765432109876543210987654",
-                               "plmn-name mcc=310 mnc=120 flags_4=0101 flags_10=0101",
-                               "utility type=4 len=256",
-                               "utility type=1 'req_data=text:two words'",
-                               "factory-reset reset_flag=0x1",
-                               "data-plmn 00",
-                               "data-plmn zero=0001",
-                               "tot-order-update count=2 entries=67305985,134678021",
-                               "roaming-list-segment data=A5*16384",
-                               "roaming-list-segment 'data=0102 A5*20 030303'",
-                               "antenna-tuning data=010203",
-                               "validate-programming-code FF",
-                               "serving-system"};
-  for (const std::string& line : lines) {
+  std::istringstream lines(FileText(KESEXT_GOLDEN "/questions.txt"));
+  size_t count = 0;
+  for (std::string line; std::getline(lines, line); ++count) {
     const tools::Question question = tools::readQuestion(line);
     const handset::Received asked{.service = question.row->service,
                                   .id = question.row->id,
@@ -187,6 +154,7 @@ TEST(Question, IsWrittenInTheShortestWordsThatItIsReadFrom) {
     EXPECT_EQ(written, line);
     EXPECT_THAT(tools::compareQuestion(question, asked), ::testing::IsEmpty());
   }
+  EXPECT_EQ(count, 17);
 }
 
 }  // namespace
