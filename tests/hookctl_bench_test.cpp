@@ -1,13 +1,10 @@
 // What holds for the bench that commands work at: the handset folder, its modem, the process and their end.
 #include <gmock/gmock.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <regex>
 #include <string>
 

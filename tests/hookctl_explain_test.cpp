@@ -4,11 +4,9 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <set>
-#include <sstream>
 
 #include "support/golden.h"
 #include "support/schema.h"

@@ -1,11 +1,10 @@
 // Requests by name: what is sent for them, and what is shown of them.
 #include <gmock/gmock.h>
 
-#include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "support/records.h"
+#include "handset/bytes.h"
+#include "support/golden.h"
 #include "support/schema.h"
 #include "support/tool_test.h"
 #include "tools/text/words.h"
@@ -13,14 +12,9 @@
 namespace kesext_test {
 namespace {
 
-using handset::Bytes;
-using handset::concat;
-using handset::hex;
-using handset::le32;
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
 using ::testing::Not;
-using ::testing::StartsWith;
 using Send = ToolTest;
 
 nlohmann::json sendJson(std::vector<std::string> words) {
@@ -31,9 +25,8 @@ nlohmann::json sendJson(std::vector<std::string> words) {
 }
 
 TEST_F(Send, WhatScriptsGetIsTypedAndHasTheShapeOfTheSchema) {
-  const auto fits = [](const char* shape, const std::vector<std::string>& words,
-                       const std::string& input = "") {
-    const std::string out = RunTool(words, input).out;
+  const auto fits = [](const char* shape, const std::vector<std::string>& words) {
+    const std::string out = RunTool(words).out;
     EXPECT_FALSE(out.starts_with('\n'));
     nlohmann::json value = nlohmann::json::parse(out, nullptr, false);
     EXPECT_EQ(SchemaMisfit(shape, value), "") << words[0];
@@ -62,23 +55,10 @@ TEST_F(Send, WhatScriptsGetIsTypedAndHasTheShapeOfTheSchema) {
 }
 
 TEST_F(Send, ArgumentsStandInTheRequestByOrderOrName) {
-  const std::pair<std::vector<std::string>, Bytes> cases[] = {
-      {{"bsr-timer", "set", "30"}, cdmaRequest(0x020000BD, le32(30))},
-      {{"bsr-timer", "set", "timer=0x1E", "spc=123456"},
-       hex("BD000002 04000000 00000000 313233343536 1E000000")},
-      {{"plmn", "310", "120"}, genericRequest(0x0A0006, hex("36017800"))},
-      {{"coverage", "7", "a b"}, genericRequest(0x050029, hex("07 612062 00"))},
-      {{"rde", "write", "10017", "text:ab", "offset=2"},
-       cdmaRequest(0x02000015, nvPayload(10017, 0, 2, 2, hex("6162")))},
-      {{"utility", "1", "0102"}, cdmaRequest(0x0200001E, concat(le32(1), le32(2), hex("0102")), 264)},
-      {{"raw", "03", "05"}, hex("0305")},
-      {{"force", "akey", "write", "12AB"}, cdmaRequest(0x02000013, hex("31324142"))},
-      {{"--force", "nam", "write", "mdn=5-5"}, cdmaRequest(0x02000002, hex("352D35"), 104)},
-  };
-  for (const auto& [words, request] : cases) {
-    const nlohmann::json sent = sendJson(words);
-    EXPECT_THAT(sent["request"]["hex"].get<std::string>(), StartsWith(handset::toHex(request, "")));
-    EXPECT_FALSE(sent["answer"]["hex"].get<std::string>().empty());
+  for (const auto& [words, bytes] : GoldenCases("requests_by_name")) {
+    const nlohmann::json sent = sendJson(tools::splitWords(words));
+    EXPECT_EQ(sent["request"]["hex"], handset::toHex(handset::hex(bytes), "")) << words;
+    EXPECT_FALSE(sent["answer"]["hex"].get<std::string>().empty()) << words;
   }
 }
 

@@ -7,10 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include "handset/folder.h"
 #include "handset/modem.h"
@@ -213,23 +210,8 @@ TEST_F(Shell, AScriptEndsBehindTheMessagesOfItsIndications) {
 
 TEST_F(Shell, ASessionIsRecordedAsAScenarioThatTellsWhatAnotherBuildDoesOtherwise) {
   const std::string file = own_ + "/session.json";
-  const ToolResult session = RunTool({"shell", "--record", file},
-                                     "# The timer is set\n"
-                                     "bsr-timer set 30\n"
-                                     "help requests\n"
-                                     "  bsr-timer get \n"
-                                     "modem fail rde-read 90\n"
-                                     "modem delay rde-read 5\n"
-                                     "log since\n"
-                                     "rde read 10017\n"
-                                     "modem restore rde-read\n"
-                                     "restart\n"
-                                     "modem indicate coverage record=3333\n"
-                                     "modem indicate tuner event=8201030405\n"
-                                     "wait 0\n"
-                                     "rde raed 1\n"
-                                     "plmn 310 120\n"
-                                     "raw 00050077 00000000\n");
+  const ToolResult session =
+      RunTool({"shell", "--record", file}, FileText(KESEXT_GOLDEN "/recorded_session.txt"));
   EXPECT_EQ(session.status, 1);
   EXPECT_EQ(FileText(file), FileText(KESEXT_GOLDEN "/recorded_session.json"));
   const ToolResult same = RunTool({"play", file});
