@@ -50,7 +50,7 @@ TEST_F(HandsetBench, WhatAModemWasToldInAKeptFolderLastsUntilItIsReset) {
       "silent data-plmn\nfail band-read 3\npublish dms 2\n";
   {
     RunningTool modem({"modem", "--root", root_});
-    modem.type("# a comment\nfail data-plmn 3\n" + lines + "restore lte-channels\n");
+    modem.type("# a comment\nfail data-plmn 3\nfail lte-channels 3\n" + lines + "restore lte-channels\n");
     ASSERT_TRUE(modem.waitForOutput("told     restore"));
     modem.signal(SIGTERM);
     EXPECT_THAT(modem.finish().out, Not(HasSubstr("comment")));
