@@ -59,16 +59,9 @@ void shareLog(const DeviceFile& log, const char* path) {
   if (fchmod(log.descriptor(), kWrittenLogMode) != 0) unable("chmod", path);
 }
 
-/// Appends the package's file, of `size` bytes when it was looked at, to the log; no more of it, as the log
-/// may be that file. False, after a log line, unless the log has it all in storage.
-bool appendPackage(const char* package_path, int64_t size, const char* log_path, bool log_is_empty) {
-  const DeviceFile log(log_path, O_RDWR | O_CREAT | O_APPEND, kAppendMode);
-  const DeviceFile package(package_path, O_RDONLY);
-  if (!log || !package) {
-    LOGE("adam_update_current_log: Unable to open files, errno %d", errno);
-    return false;
-  }
-  if (log_is_empty) shareLog(log, log_path);
+/// Copies `size` bytes, or up to the package's end. False, after a log line, unless the log has them all.
+bool copyPackage(const DeviceFile& package, const char* package_path, int64_t size, const DeviceFile& log,
+                 const char* log_path) {
   char chunk[kCopyChunk];
   ssize_t count = 0;
   while ((count = read(package.descriptor(), chunk, static_cast<size_t>(std::min(size, kCopyChunk)))) > 0) {
@@ -76,7 +69,24 @@ bool appendPackage(const char* package_path, int64_t size, const char* log_path,
     if (write(log.descriptor(), chunk, static_cast<size_t>(count)) != count) return unable("write", log_path);
     size -= count;
   }
-  if (count < 0) return unable("read", package_path);
+  return count == 0 || unable("read", package_path);
+}
+
+/// Appends the package's file, of `size` bytes when it was looked at, to the log, which has `log_size`; no more
+/// of it, as the log may be that file. False, after a log line, unless the log has it all in storage.
+bool appendPackage(const char* package_path, int64_t size, const char* log_path, int64_t log_size) {
+  const DeviceFile log(log_path, O_RDWR | O_CREAT | O_APPEND, kAppendMode);
+  const DeviceFile package(package_path, O_RDONLY);
+  if (!log || !package) {
+    LOGE("adam_update_current_log: Unable to open files, errno %d", errno);
+    return false;
+  }
+  if (log_size == 0) shareLog(log, log_path);
+  if (!copyPackage(package, package_path, size, log, log_path)) {
+    // Part of a package would be taken for the modem's own words.
+    if (ftruncate(log.descriptor(), log_size) != 0) unable("cut", log_path);
+    return false;
+  }
   if (fsync(log.descriptor()) != 0) return unable("flush", log_path);
   if (fsync(package.descriptor()) != 0) return unable("flush", package_path);
   return true;
@@ -109,7 +119,7 @@ void adam_update_current_log(const char* temp_path) {
     if (!rotate(log_size, current_log)) return;
     log_size = 0;
   }
-  if (!appendPackage(temp_path, package.st_size, current_log.data(), log_size == 0)) return;
+  if (!appendPackage(temp_path, package.st_size, current_log.data(), log_size)) return;
   LOGE("adam_update_current_log: update %s succeed.", current_log.data());
   (void)unlink(DevicePath(temp_path).text());
 }
