@@ -88,7 +88,10 @@ bool replaceLink(const LogPath& link, const LogPath& target) {
   const DevicePath place(link.data());
   (void)std::remove(made.text());
   (void)rmdir(place.text());  // a link cannot be moved over a directory
-  return symlink(target.data(), made.text()) == 0 && std::rename(made.text(), place.text()) == 0;
+  if (symlink(target.data(), made.text()) != 0) return false;
+  if (std::rename(made.text(), place.text()) == 0) return true;
+  (void)std::remove(made.text());
+  return false;
 }
 
 }  // namespace
