@@ -11,7 +11,10 @@ namespace kesext {
 uint32_t kesext_hook_sprint_send_response(const OemHookHeader& header, const uint8_t* payload) {
   LOGE("kesext_hook_sprint_send_response: ENTER FUNCTION %d ", header.msgId);
   const HookResponse record = HookResponse::cdma(header);
-  if (!record) return 0;
+  if (!record) {
+    if (header.msgLen >= 0) LOGE("kesext_hook_sprint_send_response: out of memory!");
+    return 0;
+  }
   LOGE("kesext_hook_sprint_send_response: SEND RESPONSE TO APP LAYER Message ID %d ", header.msgId);
   LOGE("kesext_hook_sprint_send_response: SEND RESPONSE TO APP LAYER Length %d ", header.msgLen);
   if (payload != nullptr && header.msgLen >= 1) {

@@ -99,7 +99,8 @@ int dhob_ind_handler(qmi_client_type, uint32_t, const uint8_t*, uint32_t, void*)
   pthread_attr_init(&attributes);
   pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
   pthread_t thread;
-  pthread_create(&thread, &attributes, runSave, nullptr);
+  if (const int error = pthread_create(&thread, &attributes, runSave, nullptr); error != 0)
+    LOGE("dhob_ind_handler: no thread for the save, errno %d", error);
   pthread_attr_destroy(&attributes);
   return 0;
 }

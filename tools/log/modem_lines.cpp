@@ -38,6 +38,7 @@ constexpr LineRow kLines[] = {
     {"dhob_write: Sending DYNHOB request to BP", report},
     {"dhob_write: Duplicate request: Save to HOB already in progress", report,
      "the RF data are being saved already"},
+    {"dhob_ind_handler: no thread for the save, errno %d", reportTrouble, "the RF data are not saved: {0e}"},
     {"dhob_write: Unable to open %s", reportTrouble, "the RF data are not saved: {0} does not open"},
     {"dhob_write: mmap failed", reportTrouble, "the RF data are not saved: they cannot be mapped"},
     {"dhob_write: %s 0x%x", report},

@@ -82,6 +82,7 @@ constexpr LineRow kLines[] = {
     {"kesext_hook_sprint_handler: %s"},
     {"kesext_hook_sprint_handle_obsolete_request: ENTER FUNCTION %d"},
     {"kesext_hook_sprint_%s EVENT VALUE %d"},
+    {"kesext_hook_sprint_send_response: out of memory!", failed, "no memory for the answer"},
     {"kesext_hook_sprint_send_response: %s"},
     {"HexDump: Data %s", dump},
     {"HexDump=buffer overflow"},
