@@ -8,6 +8,8 @@ namespace {
 
 /// How long a pause lasts before it is looked at.
 constexpr long kPauseNs = 2'000'000;
+/// The longest wait: input is looked for then, should switching it off or on have failed.
+constexpr int kLongestWaitMs = 1000;
 
 }  // namespace
 
@@ -27,7 +29,7 @@ bool InputWatch::start(int fd) {
 
 void InputWatch::wait() const {
   epoll_event event{};
-  epoll_wait(epoll_.get(), &event, 1, -1);
+  epoll_wait(epoll_.get(), &event, 1, kLongestWaitMs);
 }
 
 void InputWatch::pause() {

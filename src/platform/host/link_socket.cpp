@@ -107,8 +107,9 @@ Received LinkSocket::receive(Frame& frame, int flags) {
   // MSG_TRUNC makes the result the packet's size, also of one that the buffer cannot hold.
   const ssize_t size = recv(fd_.get(), buffer_.data(), buffer_.size(), flags | MSG_TRUNC);
   if (size < 0) {
-    // ECONNRESET comes once, ahead of frames that the modem had sent before it went.
-    const bool goes_on = errno == EAGAIN || errno == EINTR || errno == ECONNRESET;
+    // ECONNRESET comes once, ahead of frames that the modem had sent before it went. Memory may come back.
+    const bool goes_on =
+        errno == EAGAIN || errno == EINTR || errno == ECONNRESET || errno == ENOMEM || errno == ENOBUFS;
     return goes_on ? Received::nothing : Received::closed;
   }
   if (size == 0 && atEnd()) return Received::closed;

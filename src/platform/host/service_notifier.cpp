@@ -29,6 +29,7 @@ bool ServiceNotifier::start(Service service, QmiSignal* signal) {
 }
 
 ServiceNotifier::~ServiceNotifier() {
+  stopping_ = true;
   if (stop_) eventfd_write(stop_.get(), 1);
   thread_.join();
 }
@@ -56,12 +57,14 @@ void ServiceNotifier::followReports() {
   }
 }
 
-/// Waits until the notifier has to stop, which gives true, there is input, or the time has passed.
+/// Waits until the notifier has to stop, which gives true, there is input, or the time has passed. A wait that
+/// fails ends at once.
 bool ServiceNotifier::stopOrInput(int timeout_ms) const {
   // The system passes over the descriptor -1 of a socket that is closed.
   std::array<pollfd, 2> waits{{{.fd = stop_.get(), .events = POLLIN, .revents = 0},
                                {.fd = socket_.fd(), .events = POLLIN, .revents = 0}}};
-  return poll(waits.data(), waits.size(), timeout_ms) > 0 && waits[0].revents != 0;
+  poll(waits.data(), waits.size(), timeout_ms);
+  return stopping_;
 }
 
 void ServiceNotifier::raiseSignal() const {

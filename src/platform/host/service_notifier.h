@@ -1,6 +1,8 @@
 // Watches for instances of a service and signals them; the modem may come and go meanwhile.
 #pragma once
 
+#include <atomic>
+
 #include "platform/host/link_socket.h"
 #include "platform/host/thread.h"
 #include "platform/host/unique_fd.h"
@@ -28,6 +30,7 @@ class ServiceNotifier {
 
   Service service_{};
   QmiSignal* signal_ = nullptr;
+  std::atomic<bool> stopping_ = false;
   UniqueFd stop_;  // an event descriptor, readable once the notifier has to stop
   LinkSocket socket_;
   Thread thread_;
