@@ -79,13 +79,6 @@ TEST_F(DispatchTest, AClosedResponsePipeIsLoggedAndServingGoesOn) {
   }
 }
 
-TEST_F(DispatchTest, AClosedUnsolicitedPipeIsLoggedAndServingGoesOn) {
-  parent_->closeUnsolicited();
-  modem_.indicate(0x0001, {});
-  EXPECT_TRUE(Logs("Write to parent failed 32"));
-  EXPECT_EQ(Ask(cdmaRequest(0x02000099)), cdmaResponse(0x02000099, 6));
-}
-
 TEST_F(DispatchTest, AFullUnsolicitedPipeHoldsUpNoRequestAndLosesNoMessage) {
   ASSERT_EQ(fcntl(parent_->unsolicitedFd(), F_SETPIPE_SZ, 4096), 4096);
   constexpr int kNotifications = 500;  // of 50 bytes each

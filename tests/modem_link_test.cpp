@@ -80,18 +80,6 @@ class ModemLinkTest : public ::testing::Test {
   qmi_client_type client_ = nullptr;
 };
 
-TEST_F(ModemLinkTest, TheServiceListIsFilledUpToItsRoom) {
-  modem_.publish(Service::vendor, 3);
-  uint32_t entries = 0;
-  uint32_t services = 0;
-  EXPECT_EQ(qmi_client_get_service_list(vendor_, nullptr, &entries, &services), 0);
-  EXPECT_EQ(services, 3U);
-  qmi_service_info list[2]{};
-  entries = 2;
-  EXPECT_EQ(qmi_client_get_service_list(vendor_, list, &entries, &services), 0);
-  EXPECT_EQ(entries, 2U);
-}
-
 TEST_F(ModemLinkTest, AResponseIsTakenOnlyWhenItHasTheStructuresSize) {
   Connect();
   Bytes response(3);

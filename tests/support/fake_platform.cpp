@@ -2,7 +2,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <pthread.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -77,16 +76,6 @@ extern "C" int __wrap_stat64(const char* path, struct stat* status) {
 extern "C" dirent* __real_readdir64(DIR* directory);
 extern "C" dirent* __wrap_readdir64(DIR* directory) {
   return fails("readdir") ? nullptr : __real_readdir64(directory);
-}
-extern "C" int __real_munmap(void* address, size_t size);
-extern "C" int __wrap_munmap(void* address, size_t size) {
-  return fails("munmap") ? -1 : __real_munmap(address, size);
-}
-extern "C" int __real_pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex,
-                                             const timespec* deadline);
-extern "C" int __wrap_pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex,
-                                             const timespec* deadline) {
-  return fails("pthread_cond_timedwait") ? errno : __real_pthread_cond_timedwait(condition, mutex, deadline);
 }
 
 namespace kesext {

@@ -30,8 +30,8 @@ extern bool fake_out_of_memory;
 /// The present time in seconds; the machine's own without a value.
 extern std::optional<time_t> fake_time;
 
-/// Gives for each stat, symlink, rename, readdir, munmap and timed wait on a condition, before it is done,
-/// the error number that it fails with, or 0.
+/// Gives for each stat, symlink, rename and readdir, before it is done, the error number that it fails with,
+/// or 0.
 extern std::function<int(const std::string& call)> fake_call_error;
 
 /// Back to an empty log, no sends, a modem that answers zeros, the machine's time and its calls.
