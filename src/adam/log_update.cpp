@@ -72,8 +72,8 @@ bool copyPackage(const DeviceFile& package, const char* package_path, int64_t si
   return count == 0 || unable("read", package_path);
 }
 
-/// Appends the package's file, of `size` bytes when it was looked at, to the log, which has `log_size`; no more
-/// of it, as the log may be that file. False, after a log line, unless the log has it all in storage.
+/// Appends the package's file, of `size` bytes when it was looked at, to the log, which has `log_size`; no
+/// more of it, as the log may be that file. False, after a log line, unless the log has it all in storage.
 bool appendPackage(const char* package_path, int64_t size, const char* log_path, int64_t log_size) {
   const DeviceFile log(log_path, O_RDWR | O_CREAT | O_APPEND, kAppendMode);
   const DeviceFile package(package_path, O_RDONLY);
@@ -84,7 +84,7 @@ bool appendPackage(const char* package_path, int64_t size, const char* log_path,
   if (log_size == 0) shareLog(log, log_path);
   if (!copyPackage(package, package_path, size, log, log_path)) {
     // Part of a package would be taken for the modem's own words.
-    if (ftruncate(log.descriptor(), log_size) != 0) unable("cut", log_path);
+    if (ftruncate(log.descriptor(), static_cast<off_t>(log_size)) != 0) unable("cut", log_path);
     return false;
   }
   if (fsync(log.descriptor()) != 0) return unable("flush", log_path);
