@@ -57,8 +57,8 @@ void ServiceNotifier::followReports() {
   }
 }
 
-/// Waits until the notifier has to stop, which gives true, there is input, or the time has passed. A wait that
-/// fails ends at once.
+/// Waits until the notifier has to stop, which gives true, there is input, or the time has passed. A wait
+/// that fails ends at once.
 bool ServiceNotifier::stopOrInput(int timeout_ms) const {
   // The system passes over the descriptor -1 of a socket that is closed.
   std::array<pollfd, 2> waits{{{.fd = stop_.get(), .events = POLLIN, .revents = 0},
