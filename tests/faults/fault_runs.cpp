@@ -13,7 +13,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <map>
 #include <regex>
 #include <set>
 #include <thread>
@@ -35,6 +34,8 @@ using handset::Millis;
 using tools::Scenario;
 using Clock = std::chrono::steady_clock;
 using Texts = std::vector<std::string>;
+/// Names and contents. Logs of different times share a name here.
+using Files = std::multiset<std::pair<std::string, std::string>>;
 
 constexpr std::string_view kServing = "Child process waiting for data";
 /// Packages that were not appended stay, for the next of their number or the clean-up.
@@ -73,9 +74,9 @@ struct Outcome {
   Texts words;                              // of each step
   Texts lines;
   std::vector<int> exits;
-  std::map<std::string, std::string> files;  // in the end
-  Held first;                                // by the last process, once it served
-  Held last;                                 // and before it ended
+  Files files;  // in the end
+  Held first;   // by the last process, once it served
+  Held last;    // and before it ended
   size_t struck_step = 0;
   std::string struck_call;  // empty: the fault's call did not come
   std::string trouble;      // the process was of no more use
@@ -88,14 +89,19 @@ std::string withoutTimes(const std::string& text) {
   return std::regex_replace(text, kTimes, "#");
 }
 
+bool hasName(const Files& files, const std::string& name) {
+  const auto at = files.lower_bound({name, ""});
+  return at != files.end() && at->first == name;
+}
+
 size_t entries(const std::string& folder) {
   std::error_code ignored;
   return static_cast<size_t>(std::distance(fs::directory_iterator(folder, ignored), {}));
 }
 
-std::map<std::string, std::string> filesIn(const std::string& root) {
+Files filesIn(const std::string& root) {
   constexpr uintmax_t kSmall = 65536;
-  std::map<std::string, std::string> files;
+  Files files;
   for (const auto& entry : fs::recursive_directory_iterator(root)) {
     std::string content;
     if (entry.is_symlink())
@@ -104,7 +110,7 @@ std::map<std::string, std::string> filesIn(const std::string& root) {
       content = std::to_string(entry.file_size());
     else if (entry.is_regular_file())
       content = {std::istreambuf_iterator<char>(std::ifstream(entry.path()).rdbuf()), {}};
-    files[withoutTimes(entry.path().string().substr(root.size()))] = withoutTimes(content);
+    files.emplace(withoutTimes(entry.path().string().substr(root.size())), withoutTimes(content));
   }
   return files;
 }
@@ -275,13 +281,11 @@ Texts differences(const Outcome& calm, const Outcome& outcome) {
   Texts found;
   for (size_t i = 0; i < outcome.steps.size(); ++i)
     if (outcome.steps[i] != calm.steps[i]) found.push_back(calm.words[i]);
-  const auto compare = [&found](const auto& files, const auto& others) {
-    for (const auto& [name, content] : files)
-      if (const auto other = others.find(name); other == others.end() || other->second != content)
-        found.push_back(name);
-  };
-  compare(calm.files, outcome.files);
-  compare(outcome.files, calm.files);
+  Files files;
+  std::set_symmetric_difference(calm.files.begin(), calm.files.end(), outcome.files.begin(),
+                                outcome.files.end(), std::inserter(files, files.end()));
+  for (const auto& [name, content] : files)
+    found.push_back(name);
   return found;
 }
 
@@ -332,7 +336,7 @@ Texts judge(const Outcome& calm, const Outcome& outcome, const Point& point) {
   // What cannot be removed stays.
   const bool removes = point.strikes == 1 && outcome.struck_call != "unlink";
   for (const auto& [name, content] : outcome.files)
-    if (!calm.files.contains(name) && !name.starts_with(kPackages) && removes)
+    if (!hasName(calm.files, name) && !name.starts_with(kPackages) && removes)
       wrong.push_back("left over: " + name);
   return wrong;
 }
