@@ -150,7 +150,7 @@ TEST_F(ModemLogRotationTest, EachNewLogPushesTheOthersDown) {
   Create(kStart);
   EXPECT_EQ(handset::logEntries(folder_).back().mode, 0740U);
   // A directory in a link's place gives way.
-  for (const char* link : {"/data/adam/.0002", "/data/adam/.new"})
+  for (const char* link : {"/data/adam/.0002", "/data/adam/adam.new"})
     folder_.makeFolder(link);
   for (const time_t now : {kStart + 1, kStart + 2, kStart + 3})
     Create(now);
@@ -160,7 +160,7 @@ TEST_F(ModemLogRotationTest, EachNewLogPushesTheOthersDown) {
 TEST_F(ModemLogRotationTest, AtEveryMomentOfARotationBothLinksLeadToALog) {
   for (const time_t now : {kStart, kStart + 1, kStart + 2})
     Create(now);
-  fs::create_symlink("/data/adam/left by a killed process", folder_.path("/data/adam/.new"));
+  fs::create_symlink("/data/adam/left by a killed process", folder_.path("/data/adam/adam.new"));
   int calls = 0;
   fake_call_error = [&](const std::string& call) {
     if (call == "stat") return 0;  // the listing's own

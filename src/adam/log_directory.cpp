@@ -19,7 +19,8 @@ namespace kesext {
 
 namespace {
 
-constexpr const char* kNewLink = "/data/adam/.new";
+/// Left by a killed process, it is one that the clean-up takes.
+constexpr const char* kNewLink = "/data/adam/adam.new";
 constexpr mode_t kNewLogMode = 0740;
 /// How far the time of a stray may lie from now, either way, before it is deleted.
 constexpr double kStrayAgeMax = 172'799;  // seconds

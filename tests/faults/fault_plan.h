@@ -20,7 +20,9 @@ enum class Effect : uint8_t {
   interrupted,  // the same, where a signal can interrupt the call
   reset,        // the same, where bytes are transferred
   shortened,    // half of the bytes are transferred
-  unanswered,   // the modem acts, but its answer does not come in time
+  killed,       // the process is, before the call
+  unanswered,   // the modem acts, but its answer does not come
+  late,         // the modem acts, and its answer comes when it is not waited for any more
   undecoded,    // the modem acts, but its answer does not decode
   refused,      // the modem refuses with the class's error
   shifted,      // the clock is so many seconds off
@@ -42,6 +44,7 @@ inline constexpr std::array kFaultClasses = {
     FaultClass{"file-access", Group::file, Effect::fails, EACCES},
     FaultClass{"file-interrupted", Group::file, Effect::interrupted, EINTR},
     FaultClass{"file-short", Group::file, Effect::shortened, 0},
+    FaultClass{"killed", Group::file, Effect::killed, 0, false},
     FaultClass{"pipe-error", Group::pipe, Effect::fails, EIO},
     FaultClass{"pipe-full", Group::pipe, Effect::fails, EAGAIN},
     FaultClass{"pipe-interrupted", Group::pipe, Effect::interrupted, EINTR},
@@ -50,6 +53,7 @@ inline constexpr std::array kFaultClasses = {
     FaultClass{"link-interrupted", Group::link, Effect::interrupted, EINTR},
     FaultClass{"link-short", Group::link, Effect::shortened, 0, false},
     FaultClass{"modem-silent", Group::exchange, Effect::unanswered, 0},
+    FaultClass{"modem-late", Group::exchange, Effect::late, 0},
     FaultClass{"modem-undecoded", Group::exchange, Effect::undecoded, 0},
     FaultClass{"modem-refused", Group::exchange, Effect::refused, 71},
     FaultClass{"thread", Group::thread, Effect::fails, EAGAIN},

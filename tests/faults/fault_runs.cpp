@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -19,6 +20,7 @@
 #include <thread>
 
 #include "faults/fault_plan.h"
+#include "faults/kept_logs.h"
 #include "faults/known_silences.h"
 #include "tools/bench/modem_control.h"
 #include "tools/bench/station.h"
@@ -34,7 +36,6 @@ using handset::Bytes;
 using handset::Millis;
 using tools::Scenario;
 using Clock = std::chrono::steady_clock;
-using Texts = std::vector<std::string>;
 /// Names and contents. Logs of different times share a name here.
 using Files = std::multiset<std::pair<std::string, std::string>>;
 
@@ -82,7 +83,12 @@ struct Outcome {
   std::string struck_call;  // empty: the fault's call did not come
   std::string trouble;      // the process was of no more use
   Texts malformed;
+  Texts lost;  // of the logs, by a process that was killed
 };
+
+Effect effectOf(const FaultPlan& plan) {
+  return kFaultClasses[plan.fault_class].effect;
+}
 
 /// Without what differs from run to run.
 std::string withoutTimes(const std::string& text) {
@@ -135,7 +141,7 @@ class SharedPlan {
     munmap(plan_, sizeof *plan_);
     fs::remove(path_);
   }
-  const FaultPlan& prepare(const Point& point) {
+  FaultPlan& prepare(const Point& point) {
     new (plan_) FaultPlan{.fault_class = static_cast<uint32_t>(point.fault_class),
                           .first_struck = point.call,
                           .struck_count = point.strikes};
@@ -152,21 +158,27 @@ class Player {
  public:
   /// With the states of an undisturbed play, the modem is brought back to them before each step, so that only
   /// the process can make a later answer another one.
-  Outcome play(const Scenario& scenario, const std::string& executable, const FaultPlan& plan,
+  Outcome play(const Scenario& scenario, const std::string& executable, FaultPlan& plan,
                const std::vector<handset::ModemState>* states) {
     tools::Station station({.executable = executable, .instance_id = scenario.instance});
     station_ = &station;
+    plan_ = &plan;
+    const bool kills = plan.first_struck != 0 && effectOf(plan) == Effect::killed;
     for (size_t i = 0; i < scenario.steps.size() && outcome_.trouble.empty(); ++i) {
       if (states != nullptr)
         station.modem().change([&](handset::ModemState& state) { state = states->at(i); });
       outcome_.states.push_back(station.modem().state());
       if (i + 1 == scenario.steps.size() && station.started()) outcome_.last = awaitHeld(outcome_.first);
+      const Logs before = handset::logEntries(station.folder());
       step(scenario.steps[i]);
       if (scenario.steps[i].typed == Texts{"restart"} && outcome_.trouble.empty()) outcome_.first = held();
       if (outcome_.struck_call.empty() && plan.strikes > 0) {
         outcome_.struck_step = i;
         outcome_.struck_call = plan.struck_name;
       }
+      if (!kills || (plan.strikes == 0 && i + 1 < scenario.steps.size())) continue;
+      goOnAfterKill(before, plan);
+      break;
     }
     outcome_.files = filesIn(station.folder().root());
     return std::move(outcome_);
@@ -189,6 +201,22 @@ class Player {
     return now;
   }
 
+  /// A new start, and one more package. The process may have lived until here.
+  void goOnAfterKill(const Logs& before, FaultPlan& plan) {
+    if (outcome_.struck_call.empty()) outcome_.struck_call = "the end";
+    plan.first_struck = 0;
+    if (station_->started()) kill(station_->process().pid(), SIGKILL);
+    outcome_.trouble.clear();
+    const Logs left = handset::logEntries(station_->folder());
+    try {
+      station_->start();
+      indicate(fmt::format("log {} 'text:{}'", kNextPackageId, kNextPackage));
+    } catch (const std::runtime_error& error) {
+      outcome_.trouble = error.what();
+    }
+    outcome_.lost = disorderAfterKill(station_->folder(), before, left);
+  }
+
   void step(const tools::Step& step) {
     tools::Play played(*station_);
     outcome_.words.push_back(step.typed.empty() ? step.title : step.typed.front());
@@ -199,6 +227,10 @@ class Player {
       outcome_.trouble = fmt::format("{}: {}", step.title, error.what());
       if (station_->started()) played.exit = station_->process().wait(Millis(0));
     }
+    // The process may not have waited for its answers.
+    if (effectOf(*plan_) == Effect::late)
+      station_->modem().waitForRequests(plan_->calls[plan_->fault_class] - asked_, kHangs);
+    asked_ += station_->modem().requests().size();
     for (const handset::Received& request : station_->modem().requests())
       seen_.asked.push_back(fmt::format("{:x} {}", request.id, handset::toHex(request.body, "")));
     outcome_.steps.push_back(std::move(seen_));
@@ -258,6 +290,8 @@ class Player {
   }
 
   tools::Station* station_ = nullptr;
+  const FaultPlan* plan_ = nullptr;
+  size_t asked_ = 0;           // of the modem, in steps before
   uint16_t unknown_ = 0xF000;  // an indication that nothing knows; the process logs the next number for each
   Outcome outcome_;
   SeenStep seen_;
@@ -301,6 +335,11 @@ bool isExpected(const Outcome& calm, const Bytes& message) {
 Texts judge(const Outcome& calm, const Outcome& outcome, const Point& point) {
   if (outcome.struck_call.empty()) return {};
   Texts wrong = outcome.malformed;
+  if (kFaultClasses[point.fault_class].effect == Effect::killed) {
+    wrong.insert(wrong.end(), outcome.lost.begin(), outcome.lost.end());
+    if (!outcome.trouble.empty()) wrong.push_back(outcome.trouble);
+    return wrong;
+  }
   for (const int status : outcome.exits)
     if (status != 0) wrong.push_back(tools::describeEnd(status));
   const Texts fresh = newLines(calm, outcome);
@@ -370,12 +409,14 @@ Programme readProgramme(const Options& options) {
   for (const std::string& file : tools::scenarioFiles({TOUR})) {
     const size_t scenario = programme.scenarios.size();
     programme.scenarios.push_back(tools::readScenario(file));
-    const FaultPlan& plan = shared.prepare({});
+    FaultPlan& plan = shared.prepare({});
     programme.calm.push_back(Player().play(programme.scenarios.back(), FAULTY_PROCESS, plan, nullptr));
     if (!programme.calm.back().trouble.empty()) throw std::runtime_error(programme.calm.back().trouble);
     for (size_t i = 0; i < kFaultClasses.size(); ++i) {
       const uint32_t tried = file.find("crash") == std::string::npos ? calls_of_a_start[i] : 0;
-      for (uint32_t call = tried + 1; call <= plan.calls[i]; ++call) {
+      // What is killed after its last call has no more to be struck.
+      const uint32_t last = plan.calls[i] + (kFaultClasses[i].effect == Effect::killed ? 1 : 0);
+      for (uint32_t call = tried + 1; call <= last; ++call) {
         programme.points.push_back({scenario, i, call, 1});
         if (kFaultClasses[i].may_last) programme.points.push_back({scenario, i, call, kForEver});
       }
@@ -398,7 +439,7 @@ struct Tally {
 void tryPoint(const Point& point, const Programme& programme, const Options& options, SharedPlan& shared,
               Tally& tally) {
   const Outcome& calm = programme.calm[point.scenario];
-  const FaultPlan& plan = shared.prepare(point);
+  FaultPlan& plan = shared.prepare(point);
   const Outcome outcome =
       Player().play(programme.scenarios[point.scenario], FAULTY_PROCESS, plan, &calm.states);
   const Texts wrong = judge(calm, outcome, point);

@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -75,6 +76,7 @@ const FaultClass* strike(Group group, unsigned traits, const char* name) {
   }
   if (struck == nullptr) return nullptr;
   if (shared.strikes++ == 0) strncpy(shared.struck_name, name, sizeof shared.struck_name - 1);
+  if (struck->effect == Effect::killed) kill(getpid(), SIGKILL);
   errno = struck->error;
   return struck;
 }
@@ -221,6 +223,8 @@ extern "C" qmi_client_error_type __wrap_qmi_client_send_msg_sync(qmi_client_type
     return __real_qmi_client_send_msg_sync(client, id, request, request_size, response, response_size,
                                            timeout);
   if (fault->effect == faults::Effect::refused) return fault->error;
+  if (fault->effect == faults::Effect::late)
+    return __real_qmi_client_send_msg_sync(client, id, request, request_size, response, response_size, 0);
   std::vector<char> lost(response_size);
   __real_qmi_client_send_msg_sync(client, id, request, request_size, lost.data(), response_size, timeout);
   return fault->effect == faults::Effect::undecoded ? host::kNotDecoded : host::kTimedOut;
