@@ -134,7 +134,8 @@ TEST_F(ModemLogFilesTest, WithoutACurrentLogAllIsEmptiedButPackages) {
     fs::remove(folder_.path(kCurrentLink));
     if (current_link[0] == 'd') Link(1, "/data/adam/adam_gone.log");
     if (current_link[0] == 'n') folder_.writeFile(kCurrentLink, kOldLog);
-    for (const char* name : {"adam_old.log", "stray", ".hidden", "adam.new", "~adam0009.log", long_name.c_str()})
+    for (const char* name :
+         {"adam_old.log", "stray", ".hidden", "adam.new", "~adam0009.log", long_name.c_str()})
       folder_.writeFile(std::string(kDirectory) + "/" + name, "before");
     folder_.makeFolder("/data/adam/empty");
     Link(2, kOldLog);
