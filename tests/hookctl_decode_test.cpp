@@ -1,15 +1,15 @@
-// Records back to their fields: what crosses the pipes, what a log has of it, and what is none.
-#include <fmt/format.h>
-#include <fmt/ranges.h>
+// Records of every row of the tables, between words and the real process.
 #include <gmock/gmock.h>
 
 #include <map>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
-#include "support/golden.h"
+#include "handset/message_table.h"
 #include "support/sample_records.h"
 #include "support/tool_test.h"
 #include "tools/bench/modem_control.h"
+#include "tools/bench/question.h"
 #include "tools/bench/record_json.h"
 #include "tools/bench/station.h"
 
@@ -18,14 +18,8 @@ namespace {
 
 using handset::Bytes;
 using nlohmann::ordered_json;
-using ::testing::HasSubstr;
 using tools::RecordKind;
 using Decode = ToolTest;
-
-std::vector<ordered_json> DecodeJson(std::vector<std::string> options, const std::string& input) {
-  options.insert(options.begin(), {"decode", "--json"});
-  return JsonLines(RunTool(options, input).out);
-}
 
 /// What stands in the pipes, as `send --json` shows it.
 using Shown = std::map<RecordKind, std::vector<ordered_json>>;
@@ -36,11 +30,11 @@ ordered_json show(const tools::DecodedRecord& decoded, const Bytes& bytes) {
   return tools::toJson(decoded, bytes);
 }
 
-void ExpectReadBack(const std::vector<std::string>& options, const std::vector<ordered_json>& records) {
+void ExpectReadBack(const std::string& option, const std::string& value, const std::vector<ordered_json>& records) {
   std::string lines;
   for (const ordered_json& record : records)
     lines += record["hex"].get<std::string>() + "\n";
-  const std::vector<ordered_json> decoded = DecodeJson(options, lines);
+  const auto decoded = JsonLines(RunTool({"decode", "--json", option, value}, lines).out);
   ASSERT_EQ(decoded.size(), records.size());
   for (size_t i = 0; i < records.size(); ++i) {
     EXPECT_EQ(decoded[i]["title"], records[i]["title"]);
@@ -49,7 +43,7 @@ void ExpectReadBack(const std::vector<std::string>& options, const std::vector<o
   }
 }
 
-TEST_F(Decode, WhatSendShowsAndTheProcessDumpsIsReadBack) {
+TEST_F(Decode, WhatSendShowsIsReadBack) {
   tools::Station station({.executable = KESEXT_BINARY});
   station.start();
   Shown shown;
@@ -59,7 +53,7 @@ TEST_F(Decode, WhatSendShowsAndTheProcessDumpsIsReadBack) {
     const Bytes answer = station.ask(request).bytes;
     const ordered_json shown_answer = show(tools::decodeAnswer(request, answer), answer);
     if (row.bare_answer)
-      ExpectReadBack({"--request", handset::toHex(request, "")}, {shown_answer});
+      ExpectReadBack("--request", handset::toHex(request, ""), {shown_answer});
     else
       shown[RecordKind::answer].push_back(shown_answer);
   }
@@ -71,18 +65,8 @@ TEST_F(Decode, WhatSendShowsAndTheProcessDumpsIsReadBack) {
     shown[RecordKind::unsolicited].push_back(show(tools::decodeUnsolicited(message), message));
   }
   for (const auto& [kind, records] : shown)
-    ExpectReadBack({"--as", std::string(tools::nameOf(kind))}, records);
+    ExpectReadBack("--as", std::string(tools::nameOf(kind)), records);
   EXPECT_EQ(station.end(), 0);
-
-  // What the process says before each dump cannot change unnoticed.
-  const std::string log = fmt::format("{}\n", fmt::join(station.process().logs(), "\n"));
-  size_t dumps = 0;
-  for (size_t at = 0; (at = log.find("HexDump: Data", at)) != std::string::npos; ++at)
-    ++dumps;
-  const std::vector<ordered_json> objects = DecodeJson({}, log);
-  EXPECT_EQ(objects.size(), dumps);
-  for (const ordered_json& object : objects)
-    EXPECT_FALSE(object.contains("problem")) << object;
 }
 
 TEST_F(Decode, TheTableHasAllRequestsThatTheProcessServesAndNoOthers) {
@@ -103,64 +87,18 @@ TEST_F(Decode, TheTableHasAllRequestsThatTheProcessServesAndNoOthers) {
   EXPECT_EQ(station.end(), 0);
 }
 
-TEST_F(Decode, OfALogTheDumpsAreReadByWhatTheLineBeforeSays) {
-  const ToolResult result =
-      RunTool({"decode", "--json"},
-              "--------- beginning of main\r\n"
-              "E RIL-KESEXT: Gen NV Write RdeId 4, rec num 0, offset 0, len 2. hexdump...\n"
-              "E RIL-KESEXT: HexDump: Data 0700\r\n"
-              "no tag at all\n"
-              "E RIL-KESEXT: Dumping modem response for QMI_TUNER_REQ_V01...\n"
-              "E RIL-KESEXT: HexDump=buffer overflow\n"
-              "01-02 03:04:05.678  12  34 E RIL-KESEXT: HexDump: Data 07000002"
-              "00000000 0500000000000000 00000000\n"
-              "E RIL-KESEXT: HexDump: Data 07000002\n");
-  EXPECT_EQ(result.status, 1);
-  const std::vector<ordered_json> objects = JsonLines(result.out);
-  ASSERT_EQ(objects.size(), 3U);
-  EXPECT_EQ(objects[0]["kind"], "data");
-  EXPECT_EQ(objects[0]["line"], 3);
-  EXPECT_EQ(objects[0]["fields"][0]["hex"], "0700");
-  EXPECT_EQ(objects[1]["kind"], "answer");
-  EXPECT_EQ(objects[1]["line"], 7);
-  EXPECT_FALSE(objects[1].contains("problem"));
-  EXPECT_EQ(objects[2]["problem_offset"], 4);
-}
-
-/// Of an unsolicited carrier value and, with rows that repeat themselves, of a request.
-TEST_F(Decode, RecordsAreReadAsToolsPrintThem) {
-  for (const auto& [record, text] : GoldenCases("record_dumps")) {
-    for (const std::string& input : {text, fmt::format("# twice\n{0}{0}", text)}) {
-      const std::vector<ordered_json> records = DecodeJson({}, input);
-      EXPECT_EQ(records.size(), input == text ? 1U : 2U) << input;
-      for (const ordered_json& found : records) {
-        EXPECT_EQ(handset::hex(found["hex"].get<std::string>()), handset::hex(record)) << text;
-        EXPECT_FALSE(found.contains("problem")) << found["problem"];
-      }
-    }
-    EXPECT_EQ(JsonLines(RunTool({"decode", "--json", text}).out).size(), 1U) << text;
+TEST(Question, IsWrittenInTheShortestWordsThatItIsReadFrom) {
+  std::istringstream lines(FileText(KESEXT_GOLDEN "/questions.txt"));
+  size_t count = 0;
+  for (std::string line; std::getline(lines, line); ++count) {
+    const tools::Question question = tools::readQuestion(line);
+    const handset::Received asked{.service = question.row->service,
+                                  .id = question.row->id,
+                                  .body = question.body.value_or(handset::Bytes{})};
+    EXPECT_EQ(tools::writeQuestion(asked), line);
+    EXPECT_THAT(tools::compareQuestion(question, asked), ::testing::IsEmpty());
   }
-}
-
-TEST_F(Decode, RecordsStandOnALineInSeveralWordsOrInBlocks) {
-  const std::string plmn = "00 0A0006 00000004\n36017800\n";
-  EXPECT_EQ(RunTool({"decode", "000A0006", "00000004", "3601 7800"}).status, 0);
-  const std::vector<ordered_json> blocks = DecodeJson({"--blocks"}, "\n" + plmn + " \n\n" + plmn);
-  ASSERT_EQ(blocks.size(), 2U);
-  EXPECT_EQ(blocks[1]["line"], 6);
-  EXPECT_EQ(blocks[1]["hex"], "000A00060000000436017800");
-  EXPECT_EQ(DecodeJson({}, plmn).size(), 2U);
-}
-
-TEST_F(Decode, RecordsOfEveryKindAreReadUpToWhereTheyMakeNoSense) {
-  ExpectGoldenRuns("decoded_records");
-}
-
-TEST_F(Decode, WhatIsNoRecordIsBoundedAndSaid) {
-  const ToolResult endless = RunTool({"decode"}, std::string(200'000, '0'));
-  EXPECT_EQ(endless.status, 1);
-  EXPECT_THAT(endless.out, HasSubstr("131072  DOES NOT PARSE: in the text, more follows"));
-  EXPECT_THAT(RunTool({"decode"}, "E TAG: nothing\n").err, HasSubstr("there is no record: 1 lines"));
+  EXPECT_EQ(count, 17);
 }
 
 }  // namespace

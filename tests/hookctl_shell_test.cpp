@@ -1,8 +1,7 @@
-// The shell, at a terminal and in a script.
+// The shell at a terminal.
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <gmock/gmock.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -19,10 +18,7 @@
 namespace kesext_test {
 namespace {
 
-using ::testing::AllOf;
 using ::testing::HasSubstr;
-using ::testing::MatchesRegex;
-using ::testing::Not;
 
 constexpr const char* kPrompt = "hook> ";
 constexpr const char* kCtrlC = "\x03";
@@ -157,91 +153,6 @@ TEST_F(Shell, AProcessThatDiesIsToldOfAtOnceAndCanBeRestarted) {
   EXPECT_EQ(terminal.endsWith("quit\r"), 0);
 }
 
-TEST_F(Shell, TheWrongLinesOfAScriptAreCountedAndTheOthersDone) {
-  std::string script = "# the timer\n";
-  std::string said;
-  for (size_t number = 2; const auto& [line, wrong] : GoldenCases("wrong_shell_lines")) {
-    script += line + "\n";
-    said += fmt::format("line {}: {}", number++, wrong);
-  }
-  const ToolResult result = RunTool({"shell"}, script +
-                                                   "modem indicate carrier-value 7\nwait 9.5\nlog on\n"
-                                                   "bsr-timer get\nlog off\nproperties\nhelp plmn");
-  EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, said);
-  EXPECT_THAT(result.out, MatchesRegex("hook> # the timer\n.*hook> modem indicate carrier-value 7\n.*"
-                                       "    message .*carrier value .*value        7\n.*"
-                                       "hook> bsr-timer get\n"
-                                       "    request  CDMA request 0x020000BC: [^\n]*\n"
-                                       ".*    E RIL-KESEXT: Read 18 bytes from pipe\n"
-                                       ".*    answer .*timer        300\n.*"
-                                       "    ril.baseband.config.ver_num  Unknown\n.*"
-                                       "  0x0A0006   plmn               reads the name of a network\n"
-                                       " +mcc \\(0 to 65535\\) mnc \\(0 to 65535\\)\n"));
-  const ToolResult timed = RunTool({"shell", "--times"}, "bsr-timer set 5\nlog since\n");
-  EXPECT_EQ(timed.status, 0);
-  EXPECT_THAT(timed.out,
-              MatchesRegex("hook> bsr-timer set 5\n +0\\.[0-9]{3}  request .*\n +0\\.[0-9]{3}  answer .*"
-                           "\n +0\\.[0-9]{3}  E RIL-KESEXT: Read 22 bytes from pipe\n.*"));
-}
-
-TEST_F(Shell, AScriptEndsBehindTheMessagesOfItsIndications) {
-  // A process that is gone as soon as its requests end, whatever it still has to do; storing a package takes
-  // it a while.
-  const std::string requests = own_ + "/requests";
-  ASSERT_EQ(mkfifo(requests.c_str(), 0666), 0);
-  const std::string process = Write("process", "#!/bin/bash\n" KESEXT_BINARY " \"$@\" 3<>" + requests +
-                                                   " &\ncat <&3 >/dev/null\nkill -9 $!\n");
-  constexpr int kIndications = 50;
-  std::string typed = "log on\ntrace on\nmodem indicate log 1 A5*100000\n";
-  for (int i = 0; i < kIndications; ++i)
-    typed += "modem indicate carrier-value 7\n";
-  for (const char* last : {"", "quit\n"}) {
-    const ToolResult result = RunTool({"--executable", process, "shell"}, typed + last);
-    EXPECT_EQ(result.status, 0);
-    size_t messages = 0;
-    for (size_t at = 0; (at = result.out.find("value        7\n", at)) != std::string::npos; ++at)
-      ++messages;
-    EXPECT_EQ(messages, kIndications) << last;
-    for (const char* unasked : {"65535", "0xffff", "0xFFFF"})
-      EXPECT_EQ(result.out.find(unasked), std::string::npos) << unasked;
-  }
-}
-
-TEST_F(Shell, ASessionIsRecordedAsAScenarioThatTellsWhatAnotherBuildDoesOtherwise) {
-  const std::string file = own_ + "/session.json";
-  const ToolResult session =
-      RunTool({"shell", "--record", file}, FileText(KESEXT_GOLDEN "/recorded_session.txt"));
-  EXPECT_EQ(session.status, 1);
-  EXPECT_EQ(FileText(file), FileText(KESEXT_GOLDEN "/recorded_session.json"));
-  const ToolResult same = RunTool({"play", file});
-  EXPECT_EQ(same.status, 0) << same.out << same.err;
-
-  // One byte of the network's name, and of no other answer, changes on its way from the process.
-  const std::string executable = Write(
-      "process", "#!/bin/bash\nexec " KESEXT_BINARY " \"$@\" 4> >(LC_ALL=C exec stdbuf -o0 tr s z >&4)\n");
-  const ToolResult other = RunTool({"--executable", executable, "play", file});
-  EXPECT_EQ(other.status, 1) << other.err;
-  EXPECT_THAT(
-      other.out,
-      HasSubstr("  WRONG       request plmn 310 120\n    name: expected \"Testnet\", not \"Teztnet\"\n"));
-  EXPECT_THAT(other.out, HasSubstr("11 of 12 steps as expected"));
-}
-
-TEST_F(Shell, ARecordedSessionNeedsNothingBesideItsFileToBePlayed) {
-  const std::string file = own_ + "/session.json";
-  const ToolResult session = RunTool({"shell", "--instance", "1", "--record", file},
-                                     "modem indicate carrier-value 3\nlog since\nnam read\n"
-                                     "rde write 3 text:caf\xE9\n");
-  EXPECT_EQ(session.err,
-            "line 4: a line that is recorded has to be UTF-8; other bytes are given as digits\n");
-  EXPECT_THAT(session.out, AllOf(HasSubstr("Unsol resp 0x12 is handled"), Not(HasSubstr("65535"))));
-  EXPECT_THAT(FileText(file), AllOf(HasSubstr("  \"instance\": 1,\n"), HasSubstr("\"imsiT\": \"\",\n"),
-                                    Not(HasSubstr("\"bytes\""))));
-  const ToolResult same = RunTool({"play", file});
-  EXPECT_EQ(same.status, 0) << same.out << same.err;
-}
-
 TEST_F(Shell, ARecordedSessionIsKeptWhateverEndsIt) {
   const std::string file = own_ + "/session.json";
   {
@@ -261,17 +172,6 @@ TEST_F(Shell, ARecordedSessionIsKeptWhateverEndsIt) {
                                         "    {\"request\": \"bsr-timer get\"}\n"
                                         "  ]\n"));
   EXPECT_EQ(RunTool({"play", file}).status, 0);
-
-  const handset::Folder folder;
-  handset::Modem modem(folder.root());
-  modem.start();
-  const ToolResult shared = RunTool({"shell", "--root", folder.root(), "--record", file});
-  EXPECT_EQ(shared.status, 2);
-  EXPECT_THAT(shared.err, HasSubstr("is another tool's: a session with it cannot be recorded"));
-  const std::string pipe = own_ + "/pipe";
-  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-  EXPECT_THAT(RunTool({"shell", "--record", pipe}).err, HasSubstr("/pipe, which is no file"));
-  EXPECT_TRUE(std::filesystem::is_fifo(pipe));
 }
 
 }  // namespace

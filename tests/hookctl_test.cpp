@@ -1,16 +1,16 @@
 // What holds for hookctl as a whole, and its commands that go on until they are ended.
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <gmock/gmock.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <regex>
 #include <sstream>
 
 #include "handset/line_reader.h"
+#include "support/schema.h"
 #include "support/terminal.h"
 #include "support/tool_test.h"
 
@@ -19,37 +19,9 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::MatchesRegex;
 using ::testing::StartsWith;
 
 using Hookctl = ToolTest;
-
-TEST_F(Hookctl, AModemAloneServesOthersAndDoesWhatItIsTold) {
-  RunningTool modem({"modem", "--root", root_});
-  modem.type("fail utility 90\n");
-  ASSERT_TRUE(modem.waitForOutput("told     fail utility 90"));
-  const ToolResult sent = RunTool({"send", "--root", root_, "sysinfo-filter", "1"});
-  EXPECT_EQ(sent.status, 0);
-  EXPECT_THAT(sent.out, HasSubstr("status       5 (failure)"));
-  EXPECT_TRUE(
-      modem.waitForOutput("    modem    utility: type 5, len 1, req_data 01\n"
-                          "             refused with code 90 in 0."));
-  const ToolResult traced = RunTool({"send", "--root", root_, "--trace", "nam", "read"});
-  EXPECT_EQ(traced.status, 2);
-  EXPECT_THAT(traced.err, HasSubstr("is another tool's: its own console shows what it is asked"));
-  const ToolResult refused = RunTool({"send", "--root", root_, "--modem", "stop", "nam", "read"});
-  EXPECT_EQ(refused.status, 2);
-  EXPECT_THAT(refused.err, HasSubstr("a modem runs in " + root_ + " already"));
-  modem.signal(SIGTERM);
-  EXPECT_EQ(modem.finish().status, 128 + SIGTERM);
-  EXPECT_FALSE(std::filesystem::exists(root_ + "/modem.sock"));
-}
-
-TEST_F(Hookctl, TheScreensAreShownAsOftenAsAsked) {
-  const ToolResult result = RunTool({"watch", "--count", "2", "--every", "0.001"});
-  EXPECT_EQ(result.status, 0);
-  EXPECT_THAT(result.out, MatchesRegex("Serving +sid +4183 .*EVDO .*pilotPn +168.*\n\nServing .*EVDO .*"));
-}
 
 /// What stands between two erasures of the window's rest, row by row.
 std::vector<std::string> NextScreen(Terminal& terminal) {
@@ -111,47 +83,6 @@ TEST_F(Hookctl, LinesOfALogThatAreLetGoLeaveTheOthersTheirNumbers) {
   }
 }
 
-TEST_F(Hookctl, AScreenWithoutDataSaysSo) {
-  (void)Write("handset/modem.txt", "fail engineering-information 90\n");
-  const ToolResult result = RunTool({"watch", "--root", root_, "--count", "1"});
-  EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(result.out, HasSubstr("(no data from the modem: qmi_client_send_msg_sync failed (90).)"));
-}
-
-TEST_F(Hookctl, WhatIsWrongIsSaidWithWhatWouldBeRight) {
-  ExpectGoldenRuns("wrong_command_lines");
-}
-
-TEST_F(Hookctl, HelpVersionAndFolderCanBeHadInTheUsualWays) {
-  for (const std::string command : {"send", "completion"})
-    EXPECT_EQ(RunTool({"help", command}).out, RunTool({command, "--help"}).out);
-  EXPECT_EQ(RunTool({"help"}).out, RunTool({"--help"}).out);
-  EXPECT_THAT(RunTool({"--version"}).out, MatchesRegex("hookctl [0-9]+\\.[0-9]+\\.[0-9]+\n"));
-  setenv("HOOKCTL_ROOT", root_.c_str(), 1);
-  RunTool({"send", "rde", "write", "10017", "0102"});
-  unsetenv("HOOKCTL_ROOT");
-  EXPECT_TRUE(std::filesystem::exists(root_));
-}
-
-/// Of each line, what stands behind the stroke.
-TEST_F(Hookctl, ABashThatSourcesTheScriptCompletesCommandLines) {
-  const std::string script = Write("script", "source <(" KESEXT_HOOKCTL
-                                             " completion bash)\n"
-                                             "while IFS='|' read -r COMP_LINE words; do\n"
-                                             "  COMP_POINT=${#COMP_LINE} COMPREPLY=()\n"
-                                             "  _hookctl " KESEXT_HOOKCTL
-                                             " </dev/null 2>/dev/null\n"
-                                             "  echo \"$COMP_LINE|${COMPREPLY[*]}\"\n"
-                                             "done\n");
-  const std::string lines = KESEXT_GOLDEN "/bash_completions.txt";
-  EXPECT_EQ(std::system(("bash " + script + " <" + lines + " | diff " + lines + " -").c_str()), 0);
-  for (const char* shell : {"zsh", "fish"}) {
-    const std::string check = fmt::format(
-        "! command -v {0} >/dev/null || " KESEXT_HOOKCTL " completion {0} | {0} -n /dev/stdin", shell);
-    EXPECT_EQ(std::system(check.c_str()), 0);
-  }
-}
-
 TEST_F(Hookctl, CtrlCLeavesNothingWhateverItIsAt) {
   const std::vector<std::string> commands[] = {
       {"watch"}, {"tour"}, {"modem", "--root", root_}, {"send", "--trace", "--modem", "silent pfp", "pfp"}};
@@ -173,28 +104,56 @@ TEST_F(Hookctl, CtrlCAtTheVeryStartLeavesNothing) {
   }
 }
 
-TEST_F(Hookctl, ClosedStandardStreamsAreNoTrouble) {
-  const auto run = [](const std::string& arguments) {
-    const int status = std::system((std::string("bash -c '" KESEXT_HOOKCTL " ") + arguments + "'").c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  };
-  EXPECT_EQ(run("bogus 2>&-"), 2);
-  EXPECT_EQ(run("bogus 2>/dev/full"), 2);
-  EXPECT_EQ(run("send pfp >&-"), 0);
-  EXPECT_EQ(run("shell <&- >/dev/null"), 0);
+TEST_F(Hookctl, EvenSigkillLeavesNothing) {
+  for (const char* state : {"modem silent bsr-timer-read\nbsr-timer get\n", "wait 3600\n"}) {
+    RunningTool tool({"shell"});
+    tool.type(std::string("pfp\n") + state);
+    ASSERT_TRUE(tool.waitForOutput("answer"));
+    tool.signal(SIGKILL);
+    // The process shares the output, so this goes on until it has gone.
+    EXPECT_EQ(tool.finish().status, -SIGKILL);
+    EXPECT_TRUE(std::filesystem::is_empty(temporary_)) << state;
+  }
 }
 
-TEST_F(Hookctl, AClosedOutputEndsIt) {
-  for (const std::string command :
-       {"tour", "watch", "send nam read", "send --list",
-        "decode < <(yes 000A00060000000436017800 2>/dev/null)", "shell <> <(:)"}) {
-    const std::string errors = own_ + "/errors";
-    const std::string script =
-        fmt::format("bash -c 'exec 3> >(:); wait $!; " KESEXT_HOOKCTL " {} >&3 2>{}'", command, errors);
-    const int status = std::system(script.c_str());
-    EXPECT_EQ(WEXITSTATUS(status), 1) << command;
-    EXPECT_EQ(std::filesystem::file_size(errors), 0U) << command;
+TEST_F(Hookctl, AFolderThatTheProcessCannotEnterIsSaidAtOnce) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root's process becomes another user";
+  const std::string closed = own_ + "/closed";
+  std::filesystem::create_directory(closed);
+  std::filesystem::permissions(closed, std::filesystem::perms::owner_all);
+  const std::string who =
+      "the process runs as user 1001, who may not enter " + closed + ": chmod o+x " + closed;
+  const ToolResult kept = RunTool({"send", "--root", closed + "/handset", "pfp"});
+  EXPECT_EQ(kept.status, 2);
+  EXPECT_THAT(kept.err, HasSubstr(who + ", or take another --root"));
+  setenv("TMPDIR", closed.c_str(), 1);
+  EXPECT_THAT(RunTool({"send", "pfp"}).err, HasSubstr(who + ", or set TMPDIR to another folder"));
+  setenv("TMPDIR", temporary_.c_str(), 1);
+  EXPECT_TRUE(std::filesystem::is_empty(closed));
+}
+
+TEST_F(Hookctl, WhatScriptsGetHasTheShapeOfTheSchema) {
+  const std::string crash = KESEXT_SCENARIOS "/modem_crash.json";
+  const std::pair<const char*, std::vector<std::string>> outputs[] = {
+      {"send",
+       {"send", "--json", "--log", "--trace", "--times", "--messages", "0.1", "--modem",
+        "indicate lte-error 1 2 3", "--modem", "silent pfp", "sid-nid", "read"}},
+      {"send", {"send", "--json", "raw", "00050077", "00000000"}},
+      {"play", {"play", "--json", "--show", "--trace", "--times", crash}},
+      {"playSeveral", {"play", "--json", crash, KESEXT_SCENARIOS "/tour/11_reports.json"}},
+      {"decode", {"decode", "--json", "BD000002", "04000000", "00000000", "000000000000", "1E00"}}};
+  for (const auto& [shape, words] : outputs) {
+    const std::string out = RunTool(words).out;
+    EXPECT_FALSE(out.starts_with('\n'));
+    EXPECT_EQ(SchemaMisfit(shape, nlohmann::json::parse(out, nullptr, false)), "") << words[0];
   }
+  // The lines of the log are typed into a file there.
+  const std::string session = FileText(KESEXT_GOLDEN "/sessions/a_log_of_a_silent_modem.txt");
+  const std::string log = std::regex_replace(session, std::regex("\n> "), "\n");
+  const auto events = JsonLines(RunTool({"explain", "--json"}, log).out);
+  EXPECT_EQ(events.size(), 6U);
+  for (const auto& event : events)
+    EXPECT_EQ(SchemaMisfit(&event == &events.back() ? "summary" : "explain", event), "") << event;
 }
 
 }  // namespace

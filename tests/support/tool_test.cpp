@@ -1,7 +1,6 @@
 #include "support/tool_test.h"
 
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,9 +12,6 @@
 #include <iterator>
 #include <sstream>
 #include <utility>
-
-#include "support/golden.h"
-#include "tools/text/words.h"
 
 namespace kesext_test {
 
@@ -160,15 +156,6 @@ ToolTest::~ToolTest() {
   unsetenv("XDG_STATE_HOME");
   fs::remove_all(temporary_);
   fs::remove_all(own_);
-}
-
-void ToolTest::ExpectGoldenRuns(const std::string& name) {
-  for (const auto& [line, shown] : GoldenCases(name)) {
-    const ToolResult result = RunTool(tools::splitWords(line.substr(line.find(':') + 1)));
-    EXPECT_EQ(result.out + result.err, shown) << line;
-    EXPECT_TRUE(line.starts_with(fmt::format("{}: ", result.status))) << line << ", not " << result.status;
-    EXPECT_FALSE(result.out.starts_with("hookctl: ")) << line << " has errors among its output";
-  }
 }
 
 std::string ToolTest::Write(const std::string& name, std::string_view text) const {

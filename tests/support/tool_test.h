@@ -71,10 +71,6 @@ class ToolTest : public ::testing::Test {
   /// Makes a file in the test's own folder, which may be executed, and gives its path.
   [[nodiscard]] std::string Write(const std::string& name, std::string_view text) const;
 
-  /// Runs each command line of tests/golden/NAME.txt, which stands there behind the status that it ends with
-  /// and above what is shown.
-  static void ExpectGoldenRuns(const std::string& name);
-
   /// TMPDIR of everything that the test starts, empty at first and in the end.
   const std::string temporary_;
   /// A folder of the test's own, which is removed in the end; the shell has its history in it.
