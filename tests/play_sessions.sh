@@ -57,7 +57,7 @@ trap 'rm -rf "$streams"' EXIT
 chmod 755 "$streams"
 own=$streams/own
 export LC_ALL=C.UTF-8 TMPDIR=$streams/tmp XDG_STATE_HOME=$streams
-unset HOOKCTL_ROOT
+unset HOOKCTL_ROOT COLUMNS LINES
 
 failed=0
 for session; do
