@@ -30,7 +30,8 @@ ordered_json show(const tools::DecodedRecord& decoded, const Bytes& bytes) {
   return tools::toJson(decoded, bytes);
 }
 
-void ExpectReadBack(const std::string& option, const std::string& value, const std::vector<ordered_json>& records) {
+void ExpectReadBack(const std::string& option, const std::string& value,
+                    const std::vector<ordered_json>& records) {
   std::string lines;
   for (const ordered_json& record : records)
     lines += record["hex"].get<std::string>() + "\n";

@@ -47,7 +47,8 @@ std::vector<LoggedText> LoggedTexts(const std::string& code, const std::string& 
 
 TEST(LogLines, EveryTextThatTheProcessCanLogHasARowAndEveryRowSuchAText) {
   std::set<const tools::LineRow*> met;
-  for (const auto& file : std::filesystem::recursive_directory_iterator(std::filesystem::path(KESEXT_GOLDEN) / "../../src")) {
+  for (const auto& file :
+       std::filesystem::recursive_directory_iterator(std::filesystem::path(KESEXT_GOLDEN) / "../../src")) {
     if (file.path().extension() != ".cpp") continue;
     const std::string code = FileText(file.path());
     for (const auto& [first, others] :
