@@ -23,11 +23,15 @@ stable() {
 
 # run COMMAND: shows it and what comes of it; its functions, variables and jobs stay.
 run() {
-  sed '1s/^/$ /; 1!s/^/> /; s/^> $/>/' <<<"$1"
+  local status
+  case $1 in
+    *$'\n'*) sed '1s/^/$ /; 1!s/^/> /; s/^> $/>/' <<<"$1" ;;
+    *) printf '$ %s\n' "$1" ;;
+  esac
   eval "$1" >"$streams/out" 2>"$streams/err" </dev/null
-  local status=$?
-  sed '$a\' "$streams/out"
-  sed 's/^/2> /' "$streams/err"
+  status=$?
+  [ ! -s "$streams/out" ] || sed '$a\' "$streams/out"
+  [ ! -s "$streams/err" ] || sed 's/^/2> /' "$streams/err"
   [ $status -eq 0 ] || echo "status $status"
 }
 
