@@ -13,26 +13,6 @@ namespace {
 
 using DispatchTest = ServingTest;
 
-TEST_F(DispatchTest, WhatNothingServesIsAnsweredWithStatus6OrTheErrorReply) {
-  Record("unknown to the carrier and here", cdmaRequest(0x02000099), kAllLines);
-  Record("unknown generic id", hex("01 05 00 77  00 00 01 02"), kAllLines);
-  Record("neither form", hex("03 05 00 19 00 00 00 00"), kAllLines);
-  Record("5 bytes", hex("AA BB CC DD EE"), kAllLines);
-  Record("7 bytes are too few", hex("16 00 00 02 00 00 00"), kAllLines);
-  Record("the rest of the buffer is zero", hex("09"), kAllLines);
-  ExpectGolden(record_, "dispatch_unserved");
-}
-
-TEST_F(DispatchTest, TheCdmaPatternWinsOverTheGenericHeader) {
-  EXPECT_EQ(Ask(hex("00 00 00 02 00 00 00 00")), cdmaResponse(0x02000000, 6));
-  EXPECT_EQ(Ask(hex("FE 00 00 02 00 00 00 00")), cdmaResponse(0x020000FE, 6));
-}
-
-TEST_F(DispatchTest, TwoRequestsInOneReadAreServedAsOne) {
-  EXPECT_EQ(Ask(concat(cdmaRequest(0x02000099), cdmaRequest(0x02000098))), cdmaResponse(0x02000099, 6));
-  EXPECT_EQ(Ask(cdmaRequest(0x02000097)), cdmaResponse(0x02000097, 6)) << "nothing was left over";
-}
-
 TEST_F(DispatchTest, ARequestBeyondTheBufferIsCutAndItsRestIsTheNextRequest) {
   // One write of more than a pipe takes at once would not be one request.
   Bytes request = cdmaRequest(0x02000099, Bytes(17408 - 18, 0x55));
@@ -44,6 +24,20 @@ TEST_F(DispatchTest, ARequestBeyondTheBufferIsCutAndItsRestIsTheNextRequest) {
   Bytes answers = parent_->nextResponse().value_or(Bytes{});
   if (answers.size() < 28) answers = concat(answers, parent_->nextResponse().value_or(Bytes{}));
   EXPECT_EQ(answers, concat(cdmaResponse(0x02000099, 6), hex("00 05 00 77 FF FF FF FF")));
+}
+
+TEST_F(DispatchTest, ARoamingListSegmentIsCutTo16384Bytes) {
+  const Bytes data = pattern(17000);
+  for (const uint32_t size : {16384U, 20000U, 0xFFFFFFFFU}) {
+    modem_.takeRequests();
+    EXPECT_EQ(Ask(cdmaRequest(0x020000B4, concat(le32(size), data))), cdmaResponse(0x020000B4, 0));
+    const auto requests = modem_.requests();
+    ASSERT_EQ(requests.size(), 1U);
+    EXPECT_EQ(requests[0].body, concat(le32(16384), handset::ByteView(data).first(16384)));
+    EXPECT_THAT(LogsOfLastRequest(),
+                ::testing::Contains(E("kes_qmi_sprint_set_roaming_list_segment: data_length (" +
+                                      std::to_string(static_cast<int32_t>(size)) + ").")));
+  }
 }
 
 TEST_F(DispatchTest, AnyBytesGetOneAnswerPerRead) {
@@ -91,24 +85,6 @@ TEST_F(DispatchTest, AFullUnsolicitedPipeHoldsUpNoRequestAndLosesNoMessage) {
     const std::string text(message.begin() + 26, message.begin() + 48);
     ASSERT_STREQ(text.c_str(), ("UNSOLNOTIFY9876-" + std::to_string(12 + i)).c_str());
   }
-}
-
-TEST_F(DispatchTest, ATestIndicationBecomesTheNextNumberedNotification) {
-  const size_t mark = parent_->logMark();
-  for (const char* text : {"UNSOLNOTIFY9876-12", "UNSOLNOTIFY9876-13"}) {
-    modem_.indicate(0x0001, hex("01 02 03"));
-    EXPECT_EQ(NextUnsolicited(),
-              concat(hex("00 00 00 00  14 00 00 00  57 04 00 00  16 00 00 00  00 00 00 00"), Bytes(6),
-                     handset::bytesOf(text), Bytes(4 + 2)));
-  }
-  ASSERT_TRUE(parent_->waitForLogSince(mark + 5, "Unsol resp 0x1 not supported by Sprint handler."));
-  ExpectGolden(parent_->logsSince(mark), "test_indications");
-}
-
-TEST_F(DispatchTest, AnIndicationThatNobodyServesIsOnlyLogged) {
-  modem_.indicate(0x0002, hex("FF"));
-  EXPECT_TRUE(Logs("Unsupported Indicator message 2"));
-  ExpectNothingForwarded();
 }
 
 }  // namespace

@@ -10,13 +10,19 @@
 
 namespace kesext_test {
 
-/// Holds lines against those of tests/golden/NAME.log.
-inline void ExpectGolden(const std::vector<std::string>& lines, const std::string& name) {
+/// The lines of tests/golden/NAME.log.
+inline std::vector<std::string> GoldenLines(const std::string& name) {
   std::ifstream file(KESEXT_GOLDEN "/" + name + ".log");
-  std::vector<std::string> expected;
+  std::vector<std::string> lines;
   for (std::string line; std::getline(file, line);)
-    expected.push_back(line);
-  EXPECT_THAT(lines, ::testing::ElementsAreArray(expected));
+    lines.push_back(line);
+  EXPECT_FALSE(lines.empty()) << name;
+  return lines;
+}
+
+/// Holds lines against them.
+inline void ExpectGolden(const std::vector<std::string>& lines, const std::string& name) {
+  EXPECT_THAT(lines, ::testing::ElementsAreArray(GoldenLines(name)));
 }
 
 /// The cases of tests/golden/NAME.txt: what stands behind "== ", and the lines below it.

@@ -12,13 +12,16 @@ namespace kesext_test {
 namespace {
 
 constexpr std::string_view kWaiting = "Child process waiting for data";
+/// An indication that nothing knows, and what begins the log of it.
+constexpr uint16_t kUnknown = 0xFFFF;
+constexpr std::string_view kUnknownCame = "qmi_kesext_hook_ind_cb: msg_id=0xffff ";
 
 /// "SIZE bytes", and the bytes without the zeros at their end.
 std::string brief(Bytes bytes) {
-  const std::string size = std::to_string(bytes.size()) + " bytes ";
+  const std::string size = std::to_string(bytes.size()) + " bytes";
   while (!bytes.empty() && bytes.back() == 0)
     bytes.pop_back();
-  return size + handset::toHex(bytes, "");
+  return bytes.empty() ? size : size + " " + handset::toHex(bytes, "");
 }
 
 /// The process that the cases start; another build's where the environment names it.
@@ -107,8 +110,13 @@ std::vector<std::string> HookProcessTest::HandlerLogs() {
 
 void HookProcessTest::Record(const std::string& title, const Bytes& request,
                              const std::vector<std::string>& only) {
+  record_.push_back("# " + title);
+  RecordAnswer(request, only);
+}
+
+void HookProcessTest::RecordAnswer(const Bytes& request, const std::vector<std::string>& only) {
   modem_.takeRequests();
-  record_.push_back("# " + title + ": " + brief(Ask(request)));
+  record_.push_back("< " + brief(Ask(request)));
   RecordSent(only);
   for (const std::string& line : only.empty() ? HandlerLogs() : LogsOfLastRequest())
     if (isWanted(line, only)) record_.push_back(line);
@@ -121,6 +129,29 @@ void HookProcessTest::RecordSent(const std::vector<std::string>& only) {
         "> " + std::string(handset::serviceName(sent.service)) + " " + id + ": " + brief(sent.body);
     if (isWanted(line, only)) record_.push_back(line);
   }
+}
+
+std::vector<std::string> HookProcessTest::Indicate(uint16_t id, const std::vector<Bytes>& indications) {
+  const size_t mark = parent_->logMark();
+  for (const Bytes& indication : indications)
+    modem_.indicate(id, indication);
+  modem_.indicate(kUnknown, {});
+  EXPECT_TRUE(parent_->waitForLogSince(mark, "Unsupported Indicator message 65535"));
+  forwarded_.clear();
+  while (auto message = parent_->nextUnsolicited(handset::Millis(0)))
+    forwarded_.push_back(*message);
+
+  std::vector<std::string> lines = parent_->logsSince(mark);
+  const auto is_last = [](const std::string& line) { return line.find(kUnknownCame) != std::string::npos; };
+  lines.erase(std::find_if(lines.begin(), lines.end(), is_last), lines.end());
+  return lines;
+}
+
+void HookProcessTest::RecordIndication(uint16_t id, const Bytes& indication) {
+  const std::vector<std::string> lines = Indicate(id, {indication});
+  for (const Bytes& message : forwarded_)
+    record_.push_back("< " + brief(message));
+  record_.insert(record_.end(), lines.begin(), lines.end());
 }
 
 bool HookProcessTest::Logs(std::string_view text) {

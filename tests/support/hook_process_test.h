@@ -27,9 +27,6 @@ using handset::Service;
 inline constexpr uint16_t kRdeReadId = 0x0008;
 inline constexpr uint16_t kRdeWriteId = 0x0009;
 
-/// What every line of a record has.
-inline const std::vector<std::string> kAllLines = {"> ", "RIL-KESEXT: "};
-
 /// The bytes, cut or filled up with zeros.
 Bytes sized(Bytes bytes, size_t size);
 
@@ -56,11 +53,18 @@ class HookProcessTest : public ::testing::Test {
   /// The handler's part of that: without the lines of the dispatchers in front and behind, and those of the
   /// carrier's response builder.
   std::vector<std::string> HandlerLogs();
-  /// Asks, and adds to the record a title with the answer, then what the modem was sent and the handler's
-  /// lines; in place of both, if given, what has one of these texts of all that was sent and logged.
+  /// Asks, and adds to the record the answer, then what the modem was sent and the handler's lines; in place
+  /// of both, if given, what has one of these texts of all that was sent and logged.
+  void RecordAnswer(const Bytes& request, const std::vector<std::string>& only = {});
+  /// The same below a title.
   void Record(const std::string& title, const Bytes& request, const std::vector<std::string>& only = {});
   /// Adds to the record what the modem was sent since its requests were cleared, or what of it has a text.
   void RecordSent(const std::vector<std::string>& only = {});
+  /// Lets the modem send indications, and waits until they are handled. Gives what was logged for them; what
+  /// went to the parent is in `forwarded_`.
+  std::vector<std::string> Indicate(uint16_t id, const std::vector<Bytes>& indications);
+  /// Adds to the record what went to the parent for an indication, and what was logged.
+  void RecordIndication(uint16_t id, const Bytes& indication);
   /// Whether a line with this text appeared since the fixture started, waiting for it if need be.
   bool Logs(std::string_view text);
   /// The next unsolicited message; empty when there was none.
@@ -75,6 +79,7 @@ class HookProcessTest : public ::testing::Test {
   std::unique_ptr<handset::Parent> parent_;
   size_t asked_at_ = 0;
   std::vector<std::string> record_;
+  std::vector<Bytes> forwarded_;
 };
 
 /// The process serves requests when a case begins.

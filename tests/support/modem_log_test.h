@@ -21,8 +21,6 @@ class ModemLogTest : public HookProcessTest {
   Lines Indicate(const std::vector<Bytes>& indications);
   /// The bytes of the file that index link 1 leads to; empty without one.
   [[nodiscard]] Bytes CurrentLog() const;
-
-  std::vector<Bytes> forwarded_;  // to the parent, for the indications that were sent last
 };
 
 }  // namespace kesext_test
