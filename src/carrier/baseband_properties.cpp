@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "core/ground/log.h"
+#include "nv/rde_messages.h"
 #include "nv/rde_operations.h"
 #include "platform/properties.h"
 
@@ -18,7 +19,8 @@ constexpr int32_t kFlexVersionElement = 8028;
 constexpr int32_t kFsgVersionElement = 8029;
 
 constexpr size_t kLteBandElementSize = 16;
-constexpr size_t kVersionElementSize = 1024;
+/// The longest version and its terminator.
+constexpr size_t kVersionTextSize = kRdeDataMax + 1;
 
 /// Most characters that are published.
 constexpr int kVersionNumberMax = 13;
@@ -37,12 +39,9 @@ void publishVersionNumber(const char* version, bool readable) {
 }
 
 /// Reads a version text. The element's status; the text is empty when it could not be read.
-uint32_t readVersion(int32_t element, char (&version)[kVersionElementSize]) {
+uint32_t readVersion(int32_t element, char (&version)[kVersionTextSize]) {
   std::memset(version, 0, sizeof version);
-  const uint32_t status =
-      kes_qmi_sprint_rde_read(element, 0, 0, reinterpret_cast<uint8_t*>(version), sizeof version, nullptr);
-  version[sizeof version - 1] = '\0';
-  return status;
+  return kes_qmi_sprint_rde_read(element, 0, 0, reinterpret_cast<uint8_t*>(version), sizeof version, nullptr);
 }
 
 }  // namespace
@@ -59,7 +58,7 @@ void kes_qmi_read_lte_bc_config() {
 }
 
 void kes_qmi_read_baseband_config_version() {
-  char version[kVersionElementSize];
+  char version[kVersionTextSize];
   uint32_t result = readVersion(kFsgVersionElement, version);
   LOGE("kes_qmi_read_baseband_config_version: fsg version NV read status(%d)", result);
   publishVersionNumber(version, result == kRdeSuccess);
