@@ -1,6 +1,8 @@
 // The ground floor: classification, hexadecimal text, writing to the parent.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 
+#include "core/dispatch_loop.h"
 #include "core/ground/hex_text.h"
 #include "core/ground/hook_message.h"
 #include "core/ground/message_buffer.h"
@@ -8,6 +10,8 @@
 #include "core/ground/process_state.h"
 #include "core/test_notification.h"
 #include "handset/bytes.h"
+#include "platform/host/unique_fd.h"
+#include "support/golden.h"
 #include "support/unit_test.h"
 
 namespace kesext_test {
@@ -49,6 +53,14 @@ TEST_F(GroundTest, HexDumpShowsAtMost1024Bytes) {
 TEST_F(GroundTest, AStatusRecordWithoutARequestHasId0) {
   kesext::sendStatusResponse(nullptr, 5);
   EXPECT_EQ(Written(), hex("00 00 00 00 00 00 00 00 05 00 00 00 00 00 00 00 00 00 00 00"));
+}
+
+TEST_F(GroundTest, AWaitThatGivesNoRequestIsLoggedAndRepeatedAtOnce) {
+  const host::UniqueFd closed_pipe(open("/dev/null", O_RDONLY | O_CLOEXEC));  // a read gives nothing as well
+  kesext::process_state.request_pipe = closed_pipe.get();
+  fake_polls = {-1, 0, 1};
+  kesext::serveRequests();
+  ExpectGolden(fake_log, "waits_without_request");
 }
 
 TEST_F(GroundTest, ANotificationNumberOfFiveDigitsKeepsItsFirstFour) {

@@ -12,6 +12,8 @@
 #include "qmi/send.h"
 #include "qmi/vendor_client.h"
 
+/// Whether the framework knows the vendor service.
+static bool knows_service = true;
 /// Whether the framework asks for an RF save before it gives the handle, and when the answer waits for that.
 static bool indicates_early = false;
 static std::counting_semaphore<> answer_waits{0};
@@ -21,6 +23,13 @@ extern "C" decltype(pthread_cond_wait) __real_pthread_cond_wait;
 extern "C" int __wrap_pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex) {
   answer_waits.release();
   return __real_pthread_cond_wait(condition, mutex);
+}
+extern "C" decltype(kesext_vs_get_service_object_internal_v01)
+    __real_kesext_vs_get_service_object_internal_v01;
+extern "C" qmi_idl_service_object_type __wrap_kesext_vs_get_service_object_internal_v01(int32_t major,
+                                                                                        int32_t minor,
+                                                                                        int32_t tool) {
+  return knows_service ? __real_kesext_vs_get_service_object_internal_v01(major, minor, tool) : nullptr;
 }
 extern "C" decltype(qmi_client_init) __real_qmi_client_init;
 extern "C" int __wrap_qmi_client_init(const qmi_service_info* info, qmi_idl_service_object_type service,
@@ -75,6 +84,14 @@ TEST(CarrierClientsTest, AnUnknownTypeIsRefusedAfterTheServiceWasFound) {
   });
   EXPECT_THAT(log, EndsWith("E RIL-KESEXT: sprint_client_init: Unknown\n"
                             "E RIL-KESEXT: sprint_client_init: qmi_client_init failed. rc = -1\n"));
+}
+
+TEST(VendorClientTest, AMissingServiceObjectIsRefused) {
+  knows_service = false;
+  EXPECT_EQ(LogOf([] { EXPECT_EQ(kesext::qmi_kesext_hook_client_init(nullptr), -1); }),
+            "E RIL-KESEXT: qmi_kesext_hook_client_init: kesext_hook_get_serivce_object\n"
+            "E RIL-KESEXT: qmi_kesext_hook_client_init: kesext_hook_get_serivce_object failed.\n");
+  knows_service = true;
 }
 
 TEST(VendorClientTest, AnAnswerToAnIndicationThatComesBeforeTheHandleWaitsForIt) {

@@ -146,6 +146,18 @@ TEST_F(ModemLogRotationTest, ALogWhoseStatusOverflowsIsThere) {
   EXPECT_FALSE(Exists(pathAt(kStart))) << "it is the oldest of three";
 }
 
+TEST_F(ModemLogRotationTest, ALinkIsReadUpTo149Characters) {
+  const std::string longest = "/data/adam/" + std::string(149 - 11, 'x');
+  Write(longest, kStart);
+  for (const std::string& target : {longest, longest + 'y'}) {
+    fs::remove(folder_.path("/data/adam/.0001"));
+    fs::create_symlink(target, folder_.path("/data/adam/.0001"));
+    kesext::LogPath path;
+    EXPECT_EQ(kesext::adam_get_filename(kesext::kCurrentLog, path), 0);
+    EXPECT_EQ(path.data(), longest);
+  }
+}
+
 TEST_F(ModemLogRotationTest, EachNewLogPushesTheOthersDown) {
   Create(kStart);
   EXPECT_EQ(handset::logEntries(folder_).back().mode, 0740U);
@@ -178,9 +190,9 @@ TEST_F(ModemLogRotationTest, AtEveryMomentOfARotationBothLinksLeadToALog) {
 
 TEST_F(ModemLogRotationTest, ALinkThatCannotBeMadeLeavesTheOldOneAndEveryLog) {
   time_t now = kStart;
-  for (int failing : {0, 0, 1, 2}) {
+  for (int failing : {0, 0, 1, 2, 3, 4}) {
     fake_call_error = [&failing](const std::string& call) {
-      return call == "symlink" && --failing == 0 ? ENOSPC : 0;
+      return (call == "symlink" || call == "rename") && --failing == 0 ? ENOSPC : 0;
     };
     Create(now++);
     record_.insert(record_.end(), fake_log.begin(), fake_log.end());
@@ -237,7 +249,9 @@ TEST_F(ModemLogRotationTest, StraysOfTwoDaysGoWithTheThirdLog) {
 }
 
 TEST_F(ModemLogRotationTest, ALogIsNamedForTheLocalTime) {
+  Write(Create(kStart), kStart);
   EXPECT_EQ(Create(kStart), "/data/adam/adam_20240201015959.log");
+  EXPECT_EQ(folder_.readFile(pathAt(kStart)), handset::Bytes{}) << "of the same second, it begins anew";
   const char* last = sizeof(time_t) == 8 ? "19000101000000" : "20380119051407";
   EXPECT_EQ(Create(std::numeric_limits<time_t>::max()), "/data/adam/adam_" + std::string(last) + ".log");
 }

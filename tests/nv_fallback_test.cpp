@@ -99,6 +99,12 @@ TEST_F(NvFallbackTest, AGenericWriteOfMoreThan512BytesIsSilent) {
   EXPECT_EQ(GenericWrite(nvPayload(500, 0, 0, 512, Bytes(512, 1))), cdmaResponse(0x02000015, 0));
 }
 
+TEST_F(NvFallbackTest, AFailedGenericWriteIsAnsweredWithStatus5) {
+  ModemAnswers(le32(1), 3);
+  EXPECT_EQ(GenericWrite(nvPayload(500, 0, 0, 1)), cdmaResponse(0x02000015, 5));
+  EXPECT_EQ(fake_log.back(), "E Gen NV write error 3 result 1, for element 500");
+}
+
 TEST_F(NvFallbackTest, AnIdThatIsNoFixedReadIsAnsweredWithStatus5) {
   kesext::handleNvResponse(Request(cdmaRequest(0x02000008)), {}, 2);
   EXPECT_EQ(Written(), cdmaResponse(0x02000008, 5, Bytes(2)));

@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -19,6 +20,7 @@ std::function<int32_t(const FakeSend&, uint8_t*)> fake_modem;
 bool fake_out_of_memory = false;
 std::optional<time_t> fake_time;
 std::function<int(const std::string&)> fake_call_error;
+std::vector<int> fake_polls;
 
 void resetFakes() {
   fake_log.clear();
@@ -26,6 +28,7 @@ void resetFakes() {
   fake_out_of_memory = false;
   fake_time.reset();
   fake_call_error = nullptr;
+  fake_polls.clear();
   fake_modem = [](const FakeSend&, uint8_t*) { return 0; };
 }
 
@@ -53,6 +56,16 @@ extern "C" time_t __wrap_time(time_t* stored) {
   const time_t now = kesext_test::fake_time ? *kesext_test::fake_time : __real_time(nullptr);
   if (stored != nullptr) *stored = now;
   return now;
+}
+
+// The link puts this in place of poll.
+extern "C" int __real_poll(pollfd* waits, nfds_t count, int timeout);
+extern "C" int __wrap_poll(pollfd* waits, nfds_t count, int timeout) {
+  if (kesext_test::fake_polls.empty()) return __real_poll(waits, count, timeout);
+  const int result = kesext_test::fake_polls.front();
+  kesext_test::fake_polls.erase(kesext_test::fake_polls.begin());
+  errno = EINTR;
+  return result;
 }
 
 // The link puts these in place of the calls that may be made to fail.

@@ -34,6 +34,9 @@ extern std::optional<time_t> fake_time;
 /// or 0.
 extern std::function<int(const std::string& call)> fake_call_error;
 
+/// What the next waits for a descriptor give before they really wait; a failure is an interruption.
+extern std::vector<int> fake_polls;
+
 /// Back to an empty log, no sends, a modem that answers zeros, the machine's time and its calls.
 void resetFakes();
 
