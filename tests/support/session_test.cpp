@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <istream>
+#include <iterator>
 #include <map>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 
@@ -73,6 +75,16 @@ void SessionTest::Play(const std::string& name, const std::vector<std::string>& 
   ExpectGolden(record_, name);
 }
 
+void SessionTest::Refuse(std::istream& words) {
+  const auto id = static_cast<uint16_t>(readId(words));
+  const Bytes refusal = handset::refusal(*handset::findMessage(Service::vendor, id), 9).value();
+  const std::set<uint32_t> indexes{std::istream_iterator<uint32_t>(words), {}};
+  modem_.handle(Service::vendor, id, [this, id, refusal, indexes](handset::ByteView body) {
+    if (indexes.contains(handset::getLe<uint32_t>(body, 0))) return handset::Reply{0, refusal};
+    return modem_.ownReply(Service::vendor, id, body);
+  });
+}
+
 void SessionTest::Do(std::istream& words, const std::vector<std::string>& only) {
   const std::map<std::string, std::function<void()>> verbs = {
       {"element",
@@ -93,6 +105,7 @@ void SessionTest::Do(std::istream& words, const std::vector<std::string>& only) 
          const MessageName message = readMessage(words);
          modem_.fail(message.service, message.id, static_cast<int32_t>(readNumber(words)));
        }},
+      {"refuse", [&] { Refuse(words); }},
       {"restore",
        [&] {
          const MessageName message = readMessage(words);

@@ -13,6 +13,7 @@ namespace kesext_test {
 ///   $ element INDEX [BYTES]        the modem has this element, without bytes none
 ///   $ answer SERVICE ID [BYTES]    the modem answers a message with these bytes, and zeros up to its size
 ///   $ fail SERVICE ID CODE         it refuses the message
+///   $ refuse ID INDEX...           it refuses the vendor's message about these elements
 ///   $ restore SERVICE ID           it answers as by itself
 ///   $ cdma ID [PAYLOAD]            the parent asks, with the code 654321
 ///   $ generic ID [PAYLOAD]
@@ -27,6 +28,7 @@ class SessionTest : public ServingTest {
   void Play(const std::string& name, const std::vector<std::string>& only = {});
 
  private:
+  void Refuse(std::istream& words);
   void Do(std::istream& words, const std::vector<std::string>& only);
 };
 
