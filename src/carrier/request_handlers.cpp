@@ -7,6 +7,7 @@
 #include "core/ground/byte_access.h"
 #include "core/ground/log.h"
 #include "nv/element_payload.h"
+#include "nv/rde_messages.h"
 #include "nv/rde_operations.h"
 
 namespace kesext {
@@ -18,6 +19,7 @@ constexpr int32_t kDdtmElement = 10018;
 
 /// Room for an element of unknown size, in bytes.
 constexpr uint32_t kElementReadMax = 1024;
+static_assert(kElementReadMax >= kRdeDataMax);
 static_assert(sizeof(ElementPayload) + kElementReadMax + kElementZerosSize <= kCarrierPayloadMax);
 
 /// The factory reset flag of a request that names none.
@@ -42,7 +44,6 @@ void kesext_hook_sprint_rde_read(const HookRequest& request, uint32_t, CarrierRe
   LOGE("kesext_hook_sprint_rde_read: Function Enter.");
   ElementPayload element = elementPayload(request);
   uint8_t data[kElementReadMax] = {};
-  element.length = 0;
   const uint32_t result = kes_qmi_sprint_rde_read(
       static_cast<int32_t>(element.rde_index), static_cast<int32_t>(element.record_num),
       static_cast<int32_t>(element.offset), data, sizeof data, &element.length);

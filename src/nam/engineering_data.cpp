@@ -192,7 +192,6 @@ int kes_qmi_sprint_get_engineering_info(uint32_t type, uint8_t* text, uint32_t* 
 }
 
 void kesext_hook_sprint_hexstr_to_bin(const uint8_t* text, uint32_t length, uint8_t* out) {
-  std::fill_n(out, length / 2, uint8_t{0});
   uint8_t nibble = 0;
   for (uint32_t i = 0; i < length; ++i) {
     if (const auto digit = nibbleOf(text[i]))
