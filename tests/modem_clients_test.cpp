@@ -10,6 +10,7 @@
 #include "handset/modem.h"
 #include "platform/qmi_services.h"
 #include "qmi/send.h"
+#include "qmi/service_wait.h"
 #include "qmi/vendor_client.h"
 
 /// Whether the framework knows the vendor service.
@@ -84,6 +85,29 @@ TEST(CarrierClientsTest, AnUnknownTypeIsRefusedAfterTheServiceWasFound) {
   });
   EXPECT_THAT(log, EndsWith("E RIL-KESEXT: sprint_client_init: Unknown\n"
                             "E RIL-KESEXT: sprint_client_init: qmi_client_init failed. rc = -1\n"));
+}
+
+TEST(ServiceWaitTest, AWaitTakesASecondUnlessTheServiceIsThere) {
+  QmiSignal signal{};
+  const auto began = std::chrono::steady_clock::now();
+  kesext::waitForService(&signal);
+  const auto waited = std::chrono::steady_clock::now() - began;
+  EXPECT_EQ(signal.timed_out, 1);
+  EXPECT_GE(waited, handset::Millis(900));
+  EXPECT_LT(waited, handset::Millis(1900));
+  signal.sig_set = 1;
+  kesext::waitForService(&signal);
+  EXPECT_EQ(signal.timed_out, 0);
+}
+
+TEST(ServiceWaitTest, AListOfNoInstancesHasAFirstEntryAllTheSame) {
+  handset::Folder folder;
+  setenv("HANDSET_ROOT", folder.root().c_str(), 1);
+  handset::Modem modem(folder.root());
+  modem.start();
+  const auto list = kesext::fetchServiceList(nas_get_service_object_internal_v01(1, 133, 6), 0);
+  EXPECT_EQ(list.result, 0);
+  EXPECT_TRUE(handset::isZero(handset::recordBytes(list.entries[0])));
 }
 
 TEST(VendorClientTest, AMissingServiceObjectIsRefused) {

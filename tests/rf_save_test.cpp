@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <iterator>
 
 #include "support/hook_process_test.h"
@@ -110,6 +111,9 @@ TEST_F(RfSaveTest, EveryFailureIsAnsweredAndALaterSaveTriesAnew) {
   RecordSave("all is there");
   EXPECT_EQ(folder_.readFile(kPartition), region_);
   EXPECT_EQ(OpenDescriptors(), descriptors) << "nothing stays open";
+  std::ifstream maps("/proc/" + std::to_string(parent_->pid()) + "/maps");
+  for (std::string line; std::getline(maps, line);)
+    EXPECT_THAT(line, Not(HasSubstr(kDevice))) << "nor mapped";
   ExpectGolden(record_, "rf_saves");
 }
 

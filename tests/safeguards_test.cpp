@@ -86,8 +86,26 @@ TEST_F(SafeguardsTest, NullPointersAreLogged) {
   EXPECT_THAT(fake_sends, IsEmpty());
 }
 
+TEST_F(SafeguardsTest, OfLteDataThatTheModemDoesNotTellOnlyThePowerWithoutARadioIsStored) {
+  fake_modem = [](const FakeSend& sent, uint8_t* response) {
+    response[0] = sent.msg_id == 0x5A ? 1 : 0;
+    response[4] = 93;
+    return 0;
+  };
+  kesext::LteData data;
+  std::memset(&data, 0x11, sizeof data);
+  EXPECT_TRUE(kesext::kes_qmi_sprint_get_lte_data(&data));
+  EXPECT_EQ(handset::recordBytes(data), handset::concat(Bytes(4), Bytes(22, 0x11), Bytes(4)));
+  fake_modem = [](const FakeSend& sent, uint8_t* response) {
+    response[0] = 1;
+    std::fill_n(response + 8, sent.response_length - 8, uint8_t{1});
+    return 0;
+  };
+  kesext::kes_qmi_sprint_get_lte_ul_dl_channel(nullptr, nullptr, nullptr, nullptr);
+}
+
 TEST_F(SafeguardsTest, WithoutMemoryTheRequestIsDeclinedAndTheMessageDropped) {
-  const kesext::HookRequest& request = Request(cdmaRequest(0x020000BC));
+  const kesext::HookRequest& request = Request(cdmaRequest(0x020000BD));
   fake_out_of_memory = true;
   EXPECT_EQ(kesext::kesext_hook_sprint_handler(&request, 0xFFFFFFFF, 0), 0xFFFFFFFFU);
   EXPECT_EQ(fake_log.back(), "E kesext_hook_sprint_send_response: out of memory!");

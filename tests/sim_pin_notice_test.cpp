@@ -18,6 +18,8 @@ constexpr const char* kBootInfo = "/proc/bootinfo";
 constexpr const char* kRestarts = "/sys/module/subsystem_restart/parameters/modem_restarts";
 constexpr const char* kReason = "/sys/module/pil_q6v5_mss/parameters/ssr_reason";
 
+constexpr const char* kPanic = "POWERUPREASON : 0x00020000";
+
 using Text = std::optional<std::string>;
 
 class SimPinNoticeTest : public HookProcessTest {
@@ -49,6 +51,7 @@ TEST_F(SimPinNoticeTest, AKernelPanicDecidesAlone) {
                                 "POWERUPREASON: 0x00020000 more", "POWERUPREASON\nother: 0x00020000\n",
                                 "POWERUPREASON : 0x00020000\r\n", "POWERUPREASON : 0x00020000\t1"})
     EXPECT_TRUE(Noticed(boot_info, "0\n", {})) << boot_info;
+  EXPECT_TRUE(Noticed(std::string(997, 'x') + kPanic, "0\n", {})) << "1023 characters are read";
   ExpectGolden(record_, "sim_pin_kernel_panic");
 }
 
@@ -58,8 +61,8 @@ TEST_F(SimPinNoticeTest, AnyOtherBootInformationLeavesItToTheModemFiles) {
         Text{"POWERUPREASON :0x00020000\n"}, Text{"POWERUPREASON :  0x00020000\n"},
         Text{"POWER : 0x00020000\n"}, Text{"POWERUPREASON : 1\nPOWERUPREASON : 0x00020000\n"}, Text{""},
         Text{std::string("POWERUPREASON : 0x\0 00020000", 28)},
-        Text{"POWERUPREASON : 0x0002000000000000000000000000000000"},
-        Text{std::string(1010, 'x') + "POWERUPREASON : 0x00020000\n"}, Text{}})
+        Text{"POWERUPREASON : 0x0002000000000000000000000000000000"}, Text{std::string(998, 'x') + kPanic},
+        Text{}})
     EXPECT_FALSE(Noticed(boot_info, "0\n", "reason")) << boot_info.value_or("none");
   ExpectGolden(record_, "sim_pin_other_boot");
 }

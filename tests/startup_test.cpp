@@ -51,8 +51,8 @@ TEST_F(StartupTest, MissingArgumentsAndDescriptorsOfMinusOneEndTheProcess) {
   ExpectGolden(record_, "startup_arguments");
 }
 
-TEST_F(StartupTest, ALogThatNobodyReadsEndsNothing) {
-  LaunchFromShell(R"(exec "$0" "$@" 2> >(exit))");
+TEST_F(StartupTest, ALogThatNobodyReadsAndFilesThatTakeNothingEndNothing) {
+  LaunchFromShell(R"(ulimit -f 0; exec "$0" "$@" 2> >(exit))");
   EXPECT_TRUE(parent_->send(cdmaRequest(0x02000099)));
   EXPECT_EQ(parent_->nextResponse(), cdmaResponse(0x02000099, 6));
   EXPECT_EQ(End(), 0);
