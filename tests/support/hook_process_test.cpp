@@ -1,7 +1,5 @@
 #include "support/hook_process_test.h"
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -108,12 +106,6 @@ std::vector<std::string> HookProcessTest::HandlerLogs() {
   return lines;
 }
 
-void HookProcessTest::Record(const std::string& title, const Bytes& request,
-                             const std::vector<std::string>& only) {
-  record_.push_back("# " + title);
-  RecordAnswer(request, only);
-}
-
 void HookProcessTest::RecordAnswer(const Bytes& request, const std::vector<std::string>& only) {
   modem_.takeRequests();
   record_.push_back("< " + brief(Ask(request)));
@@ -170,16 +162,6 @@ size_t HookProcessTest::OpenDescriptors() const {
 int HookProcessTest::End() {
   parent_->closeRequests();
   return parent_->wait().value_or(-1);
-}
-
-void ServingTest::ExpectLine(std::string_view text) {
-  EXPECT_TRUE(Logs(text));
-  EXPECT_THAT(parent_->logs(), ::testing::Contains(E(text)));
-}
-
-void ServingTest::ExpectNothingForwarded() {
-  modem_.indicate(0x0001, {});
-  EXPECT_EQ(NextUnsolicited().size(), 50U);
 }
 
 std::string E(std::string_view text) {

@@ -56,8 +56,6 @@ class HookProcessTest : public ::testing::Test {
   /// Asks, and adds to the record the answer, then what the modem was sent and the handler's lines; in place
   /// of both, if given, what has one of these texts of all that was sent and logged.
   void RecordAnswer(const Bytes& request, const std::vector<std::string>& only = {});
-  /// The same below a title.
-  void Record(const std::string& title, const Bytes& request, const std::vector<std::string>& only = {});
   /// Adds to the record what the modem was sent since its requests were cleared, or what of it has a text.
   void RecordSent(const std::vector<std::string>& only = {});
   /// Lets the modem send indications, and waits until they are handled. Gives what was logged for them; what
@@ -86,10 +84,6 @@ class HookProcessTest : public ::testing::Test {
 class ServingTest : public HookProcessTest {
  protected:
   void SetUp() override { Start(); }
-  /// Waits for this line of error priority, which has no other text.
-  void ExpectLine(std::string_view text);
-  /// The next unsolicited message is that of a test indication.
-  void ExpectNothingForwarded();
 };
 
 /// `text` as the process logs it at error priority.

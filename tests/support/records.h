@@ -28,10 +28,6 @@ inline Bytes cdmaResponse(uint32_t id, uint32_t status, ByteView payload = {}) {
 inline Bytes genericReply(uint32_t id, ByteView payload) {
   return concat(be32(id), le32(static_cast<uint32_t>(payload.size())), payload);
 }
-/// The reply to a generic request that nothing serves.
-inline Bytes genericErrorReply(uint32_t id) {
-  return concat(be32(id), le32(0xFFFFFFFF));
-}
 /// An unsolicited message of CDMA form.
 inline Bytes cdmaUnsolicited(uint32_t id, ByteView payload) {
   return concat(le32(0), le32(20), cdmaResponse(id, 0, payload));
