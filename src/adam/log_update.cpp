@@ -69,7 +69,8 @@ bool copyPackage(const DeviceFile& package, const char* package_path, int64_t si
     if (write(log.descriptor(), chunk, static_cast<size_t>(count)) != count) return unable("write", log_path);
     size -= count;
   }
-  return count == 0 || unable("read", package_path);
+  if (count < 0) return unable("read", package_path);
+  return true;
 }
 
 /// Appends the package's file, of `size` bytes when it was looked at, to the log, which has `log_size`; no

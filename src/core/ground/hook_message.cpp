@@ -31,7 +31,7 @@ uint32_t getOemHook(const uint8_t* buffer, int32_t length, uint32_t* family) {
     return kUnusableMsgId;
   }
   GenericHookHeader header;
-  if (ParOemGen(buffer, length, &header) == 0) return kUnusableMsgId;
+  ParOemGen(buffer, length, &header);
   *family = HOOK_FAMILY_GENERIC;
   return header.msgId;
 }
