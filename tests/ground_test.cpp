@@ -26,6 +26,7 @@ class GroundTest : public UnitTest {};
 TEST_F(GroundTest, AGenericHeaderIsBigEndian) {
   const Bytes bytes = hex("01 05 00 19 80 01 02 03");
   kesext::GenericHookHeader header{};
+  uint32_t family = 0;
   EXPECT_EQ(kesext::ParOemGen(bytes.data(), 8, &header), 1);
   EXPECT_EQ(header.msgType, 1);
   EXPECT_EQ(header.msgId, 0x050019U);
@@ -33,8 +34,10 @@ TEST_F(GroundTest, AGenericHeaderIsBigEndian) {
   EXPECT_EQ(kesext::ParOemGen(bytes.data(), 8, nullptr), 0);
   EXPECT_EQ(kesext::ParOemGen(bytes.data(), 7, &header), 0);
   EXPECT_EQ(kesext::ParOemGen(nullptr, 8, &header), 0);
+  EXPECT_EQ(kesext::getOemHook(nullptr, 8, &family), 0xFFFFFFFFU);
   EXPECT_THAT(fake_log, ElementsAre("E Oem gen header null", "E ParOemGen INVALID DATA LEN OR NULL POINTER",
-                                    "E ParOemGen INVALID DATA LEN OR NULL POINTER"));
+                                    "E ParOemGen INVALID DATA LEN OR NULL POINTER",
+                                    "E getOemHook: NULL DATA or check size"));
 }
 
 TEST_F(GroundTest, HexDumpShowsAtMost1024Bytes) {

@@ -13,8 +13,8 @@
 #include "qmi/service_wait.h"
 #include "qmi/vendor_client.h"
 
-/// Whether the framework knows the vendor service.
-static bool knows_service = true;
+/// The call that fails.
+static std::string failing_call;
 /// Whether the framework asks for an RF save before it gives the handle, and when the answer waits for that.
 static bool indicates_early = false;
 static std::counting_semaphore<> answer_waits{0};
@@ -30,7 +30,8 @@ extern "C" decltype(kesext_vs_get_service_object_internal_v01)
 extern "C" qmi_idl_service_object_type __wrap_kesext_vs_get_service_object_internal_v01(int32_t major,
                                                                                         int32_t minor,
                                                                                         int32_t tool) {
-  return knows_service ? __real_kesext_vs_get_service_object_internal_v01(major, minor, tool) : nullptr;
+  return failing_call == "service" ? nullptr
+                                   : __real_kesext_vs_get_service_object_internal_v01(major, minor, tool);
 }
 extern "C" decltype(qmi_client_init) __real_qmi_client_init;
 extern "C" int __wrap_qmi_client_init(const qmi_service_info* info, qmi_idl_service_object_type service,
@@ -46,6 +47,16 @@ extern "C" int __wrap_qmi_client_init(const qmi_service_info* info, qmi_idl_serv
   return result;
 }
 
+extern "C" decltype(qmi_client_notifier_init) __real_qmi_client_notifier_init;
+extern "C" int __wrap_qmi_client_notifier_init(qmi_idl_service_object_type service, QmiSignal* signal,
+                                               qmi_client_type* notifier) {
+  return failing_call == "notifier" ? 7 : __real_qmi_client_notifier_init(service, signal, notifier);
+}
+extern "C" void* __real_calloc(size_t count, size_t size);
+extern "C" void* __wrap_calloc(size_t count, size_t size) {
+  return failing_call == "calloc" ? nullptr : __real_calloc(count, size);
+}
+
 namespace kesext_test {
 namespace {
 
@@ -59,6 +70,17 @@ std::string LogOf(Action action) {
   return ::testing::internal::GetCapturedStderr();
 }
 
+/// Against a modem.
+class ModemClientsTest : public ::testing::Test {
+ protected:
+  ModemClientsTest() : modem_(folder_.root()) {
+    setenv("HANDSET_ROOT", folder_.root().c_str(), 1);
+    modem_.start();
+  }
+  handset::Folder folder_;
+  handset::Modem modem_;
+};
+
 TEST(CarrierClientsTest, ASendBeforeStartUpIsRefused) {
   EXPECT_EQ(
       LogOf([] { EXPECT_EQ(kesext::qmi_kesext_sprint_nas_send_msg_sync(0x24, nullptr, 0, nullptr, 0), -1); }),
@@ -68,23 +90,25 @@ TEST(CarrierClientsTest, ASendBeforeStartUpIsRefused) {
       "E RIL-KESEXT: qmi_kesext_sprint_dms_send_msg_sync: Handler not initialized!\n");
 }
 
-TEST(CarrierClientsTest, ANullServiceObjectIsRefused) {
-  EXPECT_EQ(LogOf([] { EXPECT_EQ(kesext::qmi_kesext_sprint_client_init_with_type(nullptr, 1), -1); }),
-            "E RIL-KESEXT: sprint_client_init: kesext_hook_get_serivce_object failed.\n");
-}
-
-TEST(CarrierClientsTest, AnUnknownTypeIsRefusedAfterTheServiceWasFound) {
-  handset::Folder folder;
-  setenv("HANDSET_ROOT", folder.root().c_str(), 1);
-  handset::Modem modem(folder.root());
-  modem.start();
-  const std::string log = LogOf([] {
-    EXPECT_EQ(
-        kesext::qmi_kesext_sprint_client_init_with_type(nas_get_service_object_internal_v01(1, 133, 6), 3),
-        -1);
-  });
-  EXPECT_THAT(log, EndsWith("E RIL-KESEXT: sprint_client_init: Unknown\n"
-                            "E RIL-KESEXT: sprint_client_init: qmi_client_init failed. rc = -1\n"));
+TEST_F(ModemClientsTest, AServiceThatIsMissingOfNoKnownTypeOrNotToBeWatchedOrListedEndsTheStart) {
+  const auto vendor = [] { return kesext::qmi_kesext_hook_client_init(kesext::handleUnsolIndication); };
+  const qmi_idl_service_object_type nas = nas_get_service_object_internal_v01(1, 133, 6);
+  const auto carrier = [](qmi_idl_service_object_type service, int32_t type) {
+    return [=] { return kesext::qmi_kesext_sprint_client_init_with_type(service, type); };
+  };
+  const auto ends = [](const char* failing, auto start, int32_t result, const std::string& last_lines) {
+    failing_call = failing;
+    EXPECT_THAT(LogOf([=] { EXPECT_EQ(start(), result); }), EndsWith(last_lines + '\n'));
+    failing_call.clear();
+  };
+  ends("service", vendor, -1, "_hook_client_init: kesext_hook_get_serivce_object failed.");
+  ends("none", carrier(nullptr, 1), -1, "sprint_client_init: kesext_hook_get_serivce_object failed.");
+  ends("notifier", vendor, -1, "_hook_client_init: qmi_client_notifier_init failed. rc = 7");
+  ends("notifier", carrier(nas, 1), 7, "sprint_client_init: qmi_client_notifier_init failed. rc = 7");
+  ends("calloc", vendor, -1, "_hook_client_init: qmi_client_init failed. rc = -1");
+  ends("calloc", carrier(nas, 1), -1, "returned -1 num_entries = 1 num_services = 1");
+  ends("none", carrier(nas, 3), -1,
+       "sprint_client_init: Unknown\nE RIL-KESEXT: sprint_client_init: qmi_client_init failed. rc = -1");
 }
 
 TEST(ServiceWaitTest, AWaitTakesASecondUnlessTheServiceIsThere) {
@@ -100,34 +124,18 @@ TEST(ServiceWaitTest, AWaitTakesASecondUnlessTheServiceIsThere) {
   EXPECT_EQ(signal.timed_out, 0);
 }
 
-TEST(ServiceWaitTest, AListOfNoInstancesHasAFirstEntryAllTheSame) {
-  handset::Folder folder;
-  setenv("HANDSET_ROOT", folder.root().c_str(), 1);
-  handset::Modem modem(folder.root());
-  modem.start();
+TEST_F(ModemClientsTest, AListOfNoInstancesHasAFirstEntryAllTheSame) {
   const auto list = kesext::fetchServiceList(nas_get_service_object_internal_v01(1, 133, 6), 0);
   EXPECT_EQ(list.result, 0);
   EXPECT_TRUE(handset::isZero(handset::recordBytes(list.entries[0])));
 }
 
-TEST(VendorClientTest, AMissingServiceObjectIsRefused) {
-  knows_service = false;
-  EXPECT_EQ(LogOf([] { EXPECT_EQ(kesext::qmi_kesext_hook_client_init(nullptr), -1); }),
-            "E RIL-KESEXT: qmi_kesext_hook_client_init: kesext_hook_get_serivce_object\n"
-            "E RIL-KESEXT: qmi_kesext_hook_client_init: kesext_hook_get_serivce_object failed.\n");
-  knows_service = true;
-}
-
-TEST(VendorClientTest, AnAnswerToAnIndicationThatComesBeforeTheHandleWaitsForIt) {
-  handset::Folder folder;
-  setenv("HANDSET_ROOT", folder.root().c_str(), 1);
-  handset::Modem modem(folder.root());
-  modem.start();
+TEST_F(ModemClientsTest, AnAnswerToAnIndicationThatComesBeforeTheHandleWaitsForIt) {
   indicates_early = true;
   EXPECT_EQ(kesext::qmi_kesext_hook_client_init(kesext::handleUnsolIndication), 0);
   indicates_early = false;
-  ASSERT_TRUE(modem.waitForRequests(1));
-  EXPECT_EQ(modem.requests()[0].id, 0x0013);
+  ASSERT_TRUE(modem_.waitForRequests(1));
+  EXPECT_EQ(modem_.requests()[0].id, 0x0013);
 }
 
 }  // namespace

@@ -200,6 +200,19 @@ TEST_F(ModemLogRotationTest, ALinkThatCannotBeMadeLeavesTheOldOneAndEveryLog) {
   ExpectGolden(record_, "modem_log_link_fails");
 }
 
+TEST_F(ModemLogRotationTest, ALogThatIsGoneAtOnceHasNoLinkAndTheOneBeforeItsOwn) {
+  for (const time_t now : {kStart, kStart + 1})
+    Create(now);
+  fake_time = kStart + 2;
+  fake_call_error = [this, left = 2](const std::string& call) mutable {
+    if (call == "stat" && --left == 0) fs::remove(folder_.path(pathAt(kStart + 2)));
+    return 0;
+  };
+  kesext::LogPath path;
+  EXPECT_EQ(kesext::adam_create_new_log(path), 0);
+  EXPECT_THAT(logListing(folder_), ElementsAre(".0002 -> " + pathAt(kStart + 1), logAt(kStart + 1)));
+}
+
 TEST_F(ModemLogRotationTest, ADirectoryThatCannotBeReadToItsEndIsNotSaidToBeDone) {
   int left = 0;
   fake_call_error = [&](const std::string& call) { return call == "readdir" && --left == 0 ? EIO : 0; };
@@ -265,6 +278,9 @@ TEST_F(ModemLogRotationTest, APackageThatIsNotThereOrCannotBeReadLeavesTheLogAsI
     return fake_log.back();
   };
   EXPECT_EQ(update(), "E adam_update_current_log: Unable to stat temp files, errno 2");
+  ASSERT_EQ(mknod(folder_.path(kPackage).c_str(), S_IFSOCK | 0600, 0), 0);
+  EXPECT_EQ(update(), "E adam_update_current_log: Unable to open files, errno 6");
+  fs::remove(folder_.path(kPackage));
   folder_.makeFolder(kPackage);
   EXPECT_EQ(update(), std::string("E adam_update_current_log: Unable to read ") + kPackage + ", errno 21");
   EXPECT_TRUE(Exists(kPackage));

@@ -100,14 +100,20 @@ TEST_F(NvFallbackTest, AGenericWriteOfMoreThan512BytesIsSilent) {
 }
 
 TEST_F(NvFallbackTest, AFailedGenericWriteIsAnsweredWithStatus5) {
-  ModemAnswers(le32(1), 3);
-  EXPECT_EQ(GenericWrite(nvPayload(500, 0, 0, 1)), cdmaResponse(0x02000015, 5));
+  for (const int sent : {0, 3}) {
+    ModemAnswers(le32(1), sent);
+    EXPECT_EQ(GenericWrite(nvPayload(500, 0, 0, 1)), cdmaResponse(0x02000015, 5));
+  }
   EXPECT_EQ(fake_log.back(), "E Gen NV write error 3 result 1, for element 500");
 }
 
 TEST_F(NvFallbackTest, AnIdThatIsNoFixedReadIsAnsweredWithStatus5) {
-  kesext::handleNvResponse(Request(cdmaRequest(0x02000008)), {}, 2);
-  EXPECT_EQ(Written(), cdmaResponse(0x02000008, 5, Bytes(2)));
+  for (const uint32_t id : {0x02000008, 0x0200000A}) {
+    kesext::handleNvResponse(Request(cdmaRequest(id)), {}, 2);
+    EXPECT_EQ(Written(), cdmaResponse(id, 5, Bytes(2)));
+  }
+  kesext::handleNvReadRequest(Request(cdmaRequest(0x02000008)), 0x26, 0);
+  EXPECT_EQ(Written(), Bytes{}) << "no row tells how";
   ExpectGolden(fake_log, "nv_no_fixed_read");
 }
 

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "adam/log_packets.h"
+#include "adam/utility_indication.h"
 #include "carrier/indications.h"
 #include "carrier/lte_data.h"
 #include "carrier/modem_operations.h"
@@ -14,6 +16,7 @@
 #include "carrier/service_codes.h"
 #include "core/ground/carrier_response.h"
 #include "core/ground/parent_pipes.h"
+#include "core/test_notification.h"
 #include "generic/antenna_tuning.h"
 #include "generic/data_plmn.h"
 #include "generic/pfp.h"
@@ -21,6 +24,7 @@
 #include "generic/utility_requests.h"
 #include "nam/engineering_data.h"
 #include "nv/nv_requests.h"
+#include "nv/rde_operations.h"
 #include "platform/qmi_client.h"
 #include "qmi/send.h"
 #include "support/golden.h"
@@ -84,6 +88,8 @@ TEST_F(SafeguardsTest, NullPointersAreLogged) {
   kesext::convert_lte_error_to_ril_format(&indication, nullptr);
   ExpectGolden(fake_log, "null_pointers");
   EXPECT_THAT(fake_sends, IsEmpty());
+  EXPECT_EQ(kesext::kes_qmi_sprint_rde_read(1, 0, 0, nullptr, 8, nullptr), 0U);
+  EXPECT_EQ(fake_log.back(), "E Input buffer is NULL or too small! max_len(8).");
 }
 
 TEST_F(SafeguardsTest, OfLteDataThatTheModemDoesNotTellOnlyThePowerWithoutARadioIsStored) {
@@ -177,9 +183,14 @@ TEST_F(SafeguardsTest, WithoutMemoryIndicationsAreDropped) {
   kesext::myPfpIndHndlr(Client(), 0x000A, record.data(), 232, nullptr);
   kesext::sigcovIndHndlr(Client(), 0x010C, record.data(), 32, nullptr);
   kesext::dataPlmnIndHndlr(Client(), 0x0016, nullptr, 0, nullptr);
+  kesext::utilsIndHndlr(Client(), 0x000B, Bytes(520).data(), 520, nullptr);
+  kesext::adam_handle_kpi_data({});
+  kesext::sendUnsolNotify(nullptr, 1, nullptr, 0, nullptr);
   EXPECT_THAT(fake_log,
               ElementsAre("E tunerIndHndlr: tuner indication is: 129 1", "E tunerIndHndlr: out of memory!",
-                          "E sigcovIndHndlr: out of memory!", "E dataPlmnIndHndlr: out of memory!"));
+                          "E sigcovIndHndlr: out of memory!", "E dataPlmnIndHndlr: out of memory!",
+                          "E utilsIndHndlr: out of memory!", "E adam_handle_kpi_data: out of memory!",
+                          "E sendUnsolNotify: out of memory!"));
   EXPECT_EQ(Written(), Bytes{});
 }
 
