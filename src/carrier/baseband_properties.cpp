@@ -19,8 +19,8 @@ constexpr int32_t kFlexVersionElement = 8028;
 constexpr int32_t kFsgVersionElement = 8029;
 
 constexpr size_t kLteBandElementSize = 16;
-/// The longest version and its terminator.
-constexpr size_t kVersionTextSize = kRdeDataMax + 1;
+constexpr size_t kVersionElementSize = 1024;
+static_assert(kVersionElementSize > kRdeDataMax, "a version ends with a zero byte");
 
 /// Most characters that are published.
 constexpr int kVersionNumberMax = 13;
@@ -39,7 +39,7 @@ void publishVersionNumber(const char* version, bool readable) {
 }
 
 /// Reads a version text. The element's status; the text is empty when it could not be read.
-uint32_t readVersion(int32_t element, char (&version)[kVersionTextSize]) {
+uint32_t readVersion(int32_t element, char (&version)[kVersionElementSize]) {
   std::memset(version, 0, sizeof version);
   return kes_qmi_sprint_rde_read(element, 0, 0, reinterpret_cast<uint8_t*>(version), sizeof version, nullptr);
 }
@@ -58,7 +58,7 @@ void kes_qmi_read_lte_bc_config() {
 }
 
 void kes_qmi_read_baseband_config_version() {
-  char version[kVersionTextSize];
+  char version[kVersionElementSize];
   uint32_t result = readVersion(kFsgVersionElement, version);
   LOGE("kes_qmi_read_baseband_config_version: fsg version NV read status(%d)", result);
   publishVersionNumber(version, result == kRdeSuccess);

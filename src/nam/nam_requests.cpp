@@ -32,11 +32,11 @@ static_assert(sidNidOffset(kSidNidWords) == kSidNidItemLength);
 void kesext_hook_sprint_get_sid_nid_pairs(const HookRequest&, uint32_t, CarrierResponse& answer) {
   LOGE("kesext_hook_sprint_get_sid_nid_pairs:  GET SID/NID PAIRS  %d ", 0);
   NamItemBuffer buffer;
-  SidNidReport report;
+  SidNidReport report{};
   const uint32_t status = kesext_hook_sprint_get_nam_item(kSidNidItem, &buffer);
-  // A failed read leaves zeros.
-  for (size_t i = 0; i < kSidNidWords; ++i)
-    report.words[i] = loadLe16(buffer.bytes + sidNidOffset(i));
+  if (status == 0)
+    for (size_t i = 0; i < kSidNidWords; ++i)
+      report.words[i] = loadLe16(buffer.bytes + sidNidOffset(i));
   answer.setStatus(status == 0);
   answer.put(report);
 }

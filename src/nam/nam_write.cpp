@@ -103,7 +103,7 @@ NamProgram convert(const OemHookHeader& header, const NamInfo& info) {
 
 uint32_t kesext_hook_sprint_set_mdn_to_nv(const char* mdn, NamItemBuffer* buffer) {
   LOGE("kesext_hook_sprint_set_mdn_to_nv:  WRITE NV_DIR_NUMBER_PCS_I %d ", 0);
-  MdnRecord record{.nam = kNam, .digit_count = static_cast<uint8_t>(std::strlen(mdn))};
+  MdnRecord record{.nam = kNam, .digit_count = static_cast<uint8_t>(strnlen(mdn, kMdnDigitsMax))};
   for (size_t i = 0; i < record.digit_count; ++i) {
     const auto character = static_cast<uint8_t>(mdn[i]);
     LOGE("kesext_hook_sprint_set_mdn_to_nv:  mdn_number %d \n", character);

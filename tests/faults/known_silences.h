@@ -15,7 +15,7 @@ struct KnownSilence {
 inline constexpr KnownSilence kKnownSilences[] = {
     {"file", "/properties/"},
     {"file", "/data/adam/.000"},
-    {"file", "/data/adam/adam_#"},
+    {"file", "/data/adam/#"},
     {"file", "/data/adam/~adam"},
     {"file", "/dropbox/#"},
     {"memory", "modem indicate pfp"},
