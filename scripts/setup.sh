@@ -3,6 +3,8 @@
 process_packages='g++ cmake ninja-build'
 tool_packages='pkgconf libfmt-dev libcli11-dev libedit-dev nlohmann-json3-dev'
 test_packages='libgtest-dev libgmock-dev mandoc binutils util-linux'
+# clang brings its fuzzer; llvm names the lines of what is found.
+fuzz_packages='clang-14 libclang-rt-14-dev llvm-14'
 # GoogleTest's sources are for the other processor; clang and libc++ tell what Android's compiler will say.
 emulated_packages='qemu-user-static libgmock-dev googletest clang-14 libc++-14-dev'
 coverage_packages='clang-14 libclang-rt-14-dev llvm-14 jq'
