@@ -131,7 +131,7 @@ void playOthers() {
   static constexpr int64_t kAhead[] = {1, 2, 43'200, 86'401, 172'900, 345'800, -200'000, int64_t{1} << 60};
   static constexpr const char* kFull = "/data/adam/full.log";
   static constexpr const char* kPaths[] = {"/data/adam/.0001",         "/data/adam/.0002",
-                                           "/data/adam/.new",          kFull,
+                                           "/data/adam/adam.new",      kFull,
                                            "/data/adam/~adam0000.log", kLogDirectory};
   const DevicePath link(input.of(kPaths));
   const uint8_t form = input.byte() % 8;
