@@ -51,12 +51,19 @@ TEST_F(StartupTest, MissingArgumentsAndDescriptorsOfMinusOneEndTheProcess) {
   ExpectGolden(record_, "startup_arguments");
 }
 
-TEST_F(StartupTest, ALogThatNobodyReadsAndFilesThatTakeNothingEndNothing) {
-  LaunchFromShell(R"(ulimit -f 0; exec "$0" "$@" 2> >(exit))");
+TEST_F(StartupTest, ALogThatNobodyReadsEndsNothing) {
+  LaunchFromShell(R"(exec "$0" "$@" 2> >(exit))");
   EXPECT_TRUE(parent_->send(cdmaRequest(0x02000099)));
   EXPECT_EQ(parent_->nextResponse(), cdmaResponse(0x02000099, 6));
   EXPECT_EQ(End(), 0);
 }
+
+#ifndef __SANITIZE_THREAD__  // whose own files come before the process's
+TEST_F(StartupTest, FilesThatTakeNothingEndNothing) {
+  LaunchFromShell(R"(ulimit -f 0; exec "$0" "$@")");
+  EXPECT_TRUE(Logs("Child process waiting for data"));
+}
+#endif
 
 TEST_F(StartupTest, SelectAndReadFailuresAreLoggedAndRetriedAtOnce) {
   // Two closed descriptors, one that cannot be, and one that may only be written.
