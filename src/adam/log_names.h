@@ -3,7 +3,7 @@
 //   adam_YYYYMMDDhhmmss.log   a log file, by the local time of its creation
 //   .0001                     a symbolic link to the current log
 //   .0002                     a symbolic link to the previous log
-//   .new                      a link that is about to be moved over one of these two
+//   adam.new                  a link that is about to be moved over one of these two
 //   ~adamNNNN.log             the package NNNN, until a log holds it
 //
 // The links are the only record of which log is which, so that it survives a restart.
