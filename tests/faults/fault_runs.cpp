@@ -160,9 +160,8 @@ int run(const Options& options) {
 }
 
 int parseAndRun(int argc, char** argv) {
-  CLI::App app(
-      "Lets each call of the process fail, and holds what comes of it against the undisturbed tour.",
-      "./prove faults");
+  CLI::App app("Lets each call of the process fail, and holds what comes of it against the undisturbed tour.",
+               "./prove faults");
   Options options;
   app.add_option("--only", options.only, "the points with this in their names: SCENARIO:CLASS:CALL:once|on");
   app.add_option("--every", options.every, "only every so many points");

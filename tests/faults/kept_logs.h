@@ -1,4 +1,4 @@
-// What is to be kept of the modem logs when a process is killed.
+// What is to be kept of the modem logs when calls fail, and when a process is killed.
 #pragma once
 
 #include <string>
@@ -11,6 +11,10 @@ namespace faults {
 
 using Texts = std::vector<std::string>;
 using Logs = std::vector<handset::LogEntry>;
+
+/// What is wrong behind a step: something that had been logged is lost, or a log has part of a package whose
+/// file stays.
+Texts disorderAfterStep(const Logs& before, const Logs& after);
 
 /// What the modem logs to the process that is started then.
 inline constexpr int kNextPackageId = 9;

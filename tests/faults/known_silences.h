@@ -9,19 +9,18 @@ namespace faults {
 
 struct KnownSilence {
   std::string_view fault;  // how the class's name begins
-  std::string_view what;   // and the name of what differs: a file of the handset, or a step by its words
+  std::string_view what;   // how the words for what differs begin
 };
 
 inline constexpr KnownSilence kKnownSilences[] = {
-    {"file", "/properties/"},
-    {"file", "/data/adam/.000"},
-    {"file", "/data/adam/#"},
-    {"file", "/data/adam/~adam"},
-    {"file", "/dropbox/#"},
+    {"file", "no /properties/"},
+    {"file", "left /properties/#"},
+    {"file", "left /data/adam/"},
+    {"file", "left /dropbox/#"},
     {"memory", "modem indicate pfp"},
-    {"link-short", ""},
-    {"", "restart"},
-    {"", "modem indicate rf-save"},
+    {"link-short", "modem indicate "},
+    {"", "restart without 13 "},
+    {"", "modem indicate rf-save without 13 "},
     {"", "nv26 read"},
     {"", "spc validate"},
     {"", "coverage"},

@@ -79,9 +79,12 @@ class Player {
         outcome_.struck_step = i;
         outcome_.struck_call = plan.struck_name;
       }
-      if (!kills || (plan.strikes == 0 && i + 1 < scenario.steps.size())) continue;
-      goOnAfterKill(before, plan);
-      break;
+      if (kills && (plan.strikes > 0 || i + 1 == scenario.steps.size())) {
+        goOnAfterKill(before, plan);
+        break;
+      }
+      const Texts disorder = disorderAfterStep(before, handset::logEntries(station.folder()));
+      outcome_.lost.insert(outcome_.lost.end(), disorder.begin(), disorder.end());
     }
     outcome_.files = filesIn(station.folder().root());
     return std::move(outcome_);
@@ -109,7 +112,7 @@ class Player {
     if (outcome_.struck_call.empty()) outcome_.struck_call = "the end";
     plan.first_struck = 0;
     if (station_->started()) {
-      kill(station_->process().pid(), SIGKILL);
+      station_->process().kill(SIGKILL);
       station_->process().wait(kHangs);
     }
     outcome_.trouble.clear();

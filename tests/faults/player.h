@@ -42,7 +42,7 @@ struct Outcome {
   std::string struck_call;  // empty: the fault's call did not come
   std::string trouble;      // the process was of no more use
   Texts malformed;
-  Texts lost;  // of the logs, by a process that was killed
+  Texts lost;  // of the modem logs and packages
 };
 
 /// Plays a scenario. With the modem's states of an undisturbed play, the modem is brought back to them before

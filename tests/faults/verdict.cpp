@@ -21,16 +21,35 @@ bool hasName(const Files& files, const std::string& name) {
   return at != files.end() && at->first == name;
 }
 
-/// The words of the steps and the names of the files that are not as in the undisturbed play.
+/// The words of a step whose answers, messages or requests to the modem are not the undisturbed play's: by
+/// the requests that the modem did not get, where nothing else differs.
+Texts stepDifferences(const std::string& words, const SeenStep& expected, const SeenStep& seen) {
+  Texts found;
+  if (seen.answers == expected.answers && seen.messages == expected.messages)
+    for (const std::string& asked : expected.asked)
+      if (std::find(seen.asked.begin(), seen.asked.end(), asked) == seen.asked.end())
+        found.push_back(fmt::format("{} without {}", words, asked));
+  if (found.empty() && seen != expected) found.push_back(words);
+  return found;
+}
+
+/// What to call the files that only the first of two plays has: a word, and the name.
+void addFiles(const Files& files, const Files& others, std::string_view word, Texts& found) {
+  Files only;
+  std::set_difference(files.begin(), files.end(), others.begin(), others.end(),
+                      std::inserter(only, only.end()));
+  for (const auto& [name, content] : only)
+    found.push_back(fmt::format("{} {}", word, name));
+}
+
+/// The words for all that is not as in the undisturbed play.
 Texts differences(const Outcome& calm, const Outcome& outcome) {
   Texts found;
   for (size_t i = 0; i < outcome.steps.size(); ++i)
-    if (outcome.steps[i] != calm.steps[i]) found.push_back(calm.words[i]);
-  Files files;
-  std::set_symmetric_difference(calm.files.begin(), calm.files.end(), outcome.files.begin(),
-                                outcome.files.end(), std::inserter(files, files.end()));
-  for (const auto& [name, content] : files)
-    found.push_back(name);
+    for (const std::string& words : stepDifferences(calm.words[i], calm.steps[i], outcome.steps[i]))
+      found.push_back(words);
+  addFiles(calm.files, outcome.files, "no", found);
+  addFiles(outcome.files, calm.files, "left", found);
   return found;
 }
 
@@ -92,13 +111,17 @@ Texts judge(const Outcome& calm, const Outcome& outcome, const Point& point) {
     for (const std::string& what : differences(calm, outcome))
       if (!isKnownSilence(kFaultClasses[point.fault_class].name, what))
         wrong.push_back("no line says so: " + what);
+  // Without the link nothing tells the logs from strays, and what cannot be cut stays.
+  if (!says("clean the whole dir!") && !says("Unable to cut"))
+    wrong.insert(wrong.end(), outcome.lost.begin(), outcome.lost.end());
   if (outcome.last.descriptors > outcome.first.descriptors)
     wrong.push_back(
         fmt::format("{} descriptors, not {}", outcome.last.descriptors, outcome.first.descriptors));
   if (outcome.last.threads > outcome.first.threads)
     wrong.push_back(fmt::format("{} threads, not {}", outcome.last.threads, outcome.first.threads));
   // What cannot be removed stays.
-  const bool removes = point.strikes == 1 && outcome.struck_call != "unlink";
+  const bool removes = (point.strikes == 1 && outcome.struck_call != "unlink") ||
+                       kFaultClasses[point.fault_class].group != Group::file;
   for (const auto& [name, content] : outcome.files)
     if (!hasName(calm.files, name) && !name.starts_with(kPackages) && removes)
       wrong.push_back("left over: " + name);
