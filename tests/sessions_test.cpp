@@ -1,4 +1,6 @@
 // What the process does with requests and indications that are one exchange each, as sessions.
+#include <ostream>
+
 #include "support/session_test.h"
 
 namespace kesext_test {
@@ -9,6 +11,10 @@ struct Fact {
   const char* session;
   std::vector<std::string> only = {};
 };
+
+std::ostream& operator<<(std::ostream& out, const Fact& fact) {
+  return out << fact.session << ".log";
+}
 
 class Sessions : public SessionTest, public ::testing::WithParamInterface<Fact> {};
 

@@ -8,7 +8,8 @@
 namespace kesext_test {
 
 /// A line of the file that begins with "$ " is done. Below it stand what goes to the parent ("<"), what the
-/// modem is sent (">"), and the lines of the log; "#" begins a title.
+/// modem is sent (">"), both without the zeros at their end, and the lines of the log, which begin with their
+/// priority; "#" begins a title. What a line does to the modem lasts to the end of the file.
 ///
 ///   $ element INDEX [BYTES]        the modem has this element, without bytes none
 ///   $ answer SERVICE ID [BYTES]    the modem answers a message with these bytes, and zeros up to its size
