@@ -73,7 +73,7 @@ TEST_F(DispatchTest, AClosedResponsePipeIsLoggedAndServingGoesOn) {
 
 TEST_F(DispatchTest, AFullUnsolicitedPipeHoldsUpNoRequestAndLosesNoMessage) {
   ASSERT_EQ(fcntl(parent_->unsolicitedFd(), F_SETPIPE_SZ, 4096), 4096);
-  constexpr int kNotifications = 500;  // of 50 bytes each
+  constexpr int kNotifications = 1000;  // of 50 bytes each, the last with numbers of four digits
   for (int i = 0; i < kNotifications; ++i)
     modem_.indicate(0x0001, {});
   modem_.setElement(0x26, hex("01 02 03 04"));
