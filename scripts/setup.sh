@@ -22,6 +22,17 @@ install_packages() {
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
+# ThreadSanitizer cannot place its shadow memory where the kernel spreads mappings widely, so what it is in runs with
+# fixed addresses; where that is not allowed, with a narrower spread.
+fixed_addresses=()
+fix_addresses() {
+  if setarch "$(uname -m)" -R true 2>/dev/null; then
+    fixed_addresses=(setarch "$(uname -m)" -R)
+  else
+    sysctl -qw vm.mmap_rnd_bits=28 || echo 'addresses stay randomised: ThreadSanitizer may refuse to start' >&2
+  fi
+}
+
 # Shows how far a build is, on one line of a terminal, else every few seconds. What compilers say comes at the end,
 # without the commands that ran them.
 show_build() {

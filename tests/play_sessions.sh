@@ -52,10 +52,14 @@ play() (
 
 record=false
 [ "$1" != --record ] || { record=true && shift; }
-PATH=$(cd "$1" && pwd):$PATH
+if [ $# -lt 2 ] || [ ! -x "$1/hookctl" ]; then
+  echo "Usage: ${0##*/} [--record] BIN SESSION...; BIN is the folder of a hookctl, like build/asan/bin" >&2
+  exit 2
+fi
+PATH=$(realpath "$1"):$PATH
 shift
 SOURCE=$(cd "$(dirname "$0")/.." && pwd)
-streams=$(mktemp -d)
+streams=$(realpath "$(mktemp -d)") && [ -d "$streams" ] || exit
 trap 'rm -rf "$streams"' EXIT
 # The process is another user, who has to get into its folders.
 chmod 755 "$streams"
@@ -65,6 +69,7 @@ unset HOOKCTL_ROOT COLUMNS LINES
 
 failed=0
 for session; do
+  grep -q '^\$ ' "$session" || { echo "$session: nothing is typed in it" && failed=1 && continue; }
   play "$session" 2>&1 | stable >"$streams/shown"
   if $record; then
     cp "$streams/shown" "$session"

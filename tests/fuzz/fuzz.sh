@@ -66,15 +66,18 @@ while [ $# -gt 0 ]; do
   shift
 done
 [[ $seconds =~ ^[1-9][0-9]*$ ]] || refuse "--seconds $seconds is no number of seconds"
-[ "$only" = "$targets" ] || grep -qx -- "$only" <<<"$targets" || refuse "there is no target $only"
+[ "$only" = "$targets" ] || grep -qxF -- "$only" <<<"$targets" || refuse "there is no target $only"
 [ -z "$input" ] || { [ -f "$input" ] && [ "$only" != "$targets" ]; } ||
   refuse "--input takes a file that there is, and --only its target"
+[ -z "$input" ] || ! $keep || refuse "--keep plays no --input"
 
 install_packages $process_packages $test_packages $fuzz_packages
 for sanitizer in asan msan tsan; do
   mapfile -t wanted < <(grep -F " $sanitizer" <<<"$runs" | grep -wF "$only" | sed 's/\(.*\) .*/fuzz_\1/')
   [ ${#wanted[@]} -eq 0 ] || build fuzz-$sanitizer "${wanted[@]}"
 done
+
+fix_addresses
 
 # The handset's files are written and deleted all the time, and a disk would be most of it.
 memory=$(mktemp -d /dev/shm/fuzz.XXXXXX)
@@ -87,7 +90,7 @@ export TSAN_OPTIONS=halt_on_error=1:atexit_sleep_ms=0:suppressions=$memory/suppr
 
 # fuzzer TARGET SANITIZER ARGUMENT...
 fuzzer() {
-  (cd "$memory" && exec setarch "$(uname -m)" -R "$tree/build/fuzz-$2/bin/fuzz_$1" -max_len=600 -timeout=25 \
+  (cd "$memory" && exec "${fixed_addresses[@]}" "$tree/build/fuzz-$2/bin/fuzz_$1" -max_len=600 -timeout=25 \
     -verbosity=0 "${@:3}")
 }
 
@@ -115,7 +118,7 @@ if [ -n "$input" ]; then
   while read -r target sanitizer; do
     [ "$target" = "$only" ] || continue
     echo "$target $sanitizer"
-    fuzzer "$target" "$sanitizer" "$(realpath "$input")"
+    fuzzer "$target" "$sanitizer" "$(realpath "$input")" || exit 1
   done <<<"$runs"
   exit
 fi
@@ -131,9 +134,13 @@ if $keep; then
   exit
 fi
 
+started=()
 while read -r target sanitizer; do
-  grep -qwx -- "$target" <<<"$only" || continue
+  grep -qxF -- "$target" <<<"$only" || continue
   if [ "$(jobs -rp | wc -l)" -ge 2 ]; then wait -n; fi
   fuzz "$target" "$sanitizer" &
+  started+=($!)
 done <<<"$(grep . <<<"$runs")"
 while [ -n "$(jobs -rp)" ]; do wait -n; done
+# Of two that end together the above hears of one.
+for run in "${started[@]}"; do wait "$run"; done
