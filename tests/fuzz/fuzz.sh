@@ -81,9 +81,9 @@ fix_addresses
 
 # The handset's files are written and deleted all the time, and a disk would be most of it.
 memory=$(mktemp -d /dev/shm/fuzz.XXXXXX)
-# Each run is a process group, so that its fuzzer goes with it.
+# Each run is a process group, so that its fuzzer goes with it; at once, as one with ThreadSanitizer may hang in its own end.
 set -m
-trap 'exec 2>/dev/null; for group in $(jobs -p); do kill -- "-$group" 2>/dev/null || true; done; wait; rm -rf "$memory"' EXIT
+trap 'exec 2>/dev/null; for group in $(jobs -p); do kill -KILL -- "-$group" 2>/dev/null || true; done; wait; rm -rf "$memory"' EXIT
 # What clang's ThreadSanitizer does not know: that its fuzzer's counters, behind all that has a name, are everybody's.
 echo 'race:^__TMC_END__$' >"$memory/suppressions"
 export TSAN_OPTIONS=halt_on_error=1:atexit_sleep_ms=0:suppressions=$memory/suppressions
